@@ -1,0 +1,22 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that building, testing and the demo need.
+# Runs apt-get only when a package is missing; uses sudo when not root.
+set -euo pipefail
+
+packages=(build-essential cmake pkg-config libcups2-dev libcupsimage2-dev libgtest-dev
+          libbenchmark-dev libpng-dev cups-ppdc cups-client)
+if [ "${1:-}" = "--full" ]; then
+  packages+=(cups cups-filters ghostscript poppler-utils clang libclang-rt-14-dev)
+fi
+
+missing=()
+for p in "${packages[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+SUDO=""
+[ "$(id -u)" -ne 0 ] && SUDO="sudo"
+echo "Installing: ${missing[*]}"
+$SUDO apt-get update -qq
+DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"

@@ -1,0 +1,72 @@
+// Process lifecycle of the filter: descriptors, signals, exit, arguments.
+// Copyright 2026 The rastertobrellian authors.
+#include "driver/lifecycle.h"
+
+#include <csignal>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "driver/globals.h"
+#include "driver/printing_task.h"
+#include "log/log.h"
+
+namespace {
+
+// 'Proc_ExitSignal()' - Before the job starts a termination request ends the
+// process; the exit handler then delivers g_exitStatus.
+void Proc_ExitSignal(int) { exit(1); }
+
+// 'Proc_CancelSignal()' - While the job runs a termination request only asks
+// the page loop to stop.
+void Proc_CancelSignal(int) { g_cancelJob = 1; }
+
+}  // namespace
+
+void Proc_GuardStandardDescriptors() {
+  for (int fd = 0; fd <= 2; ++fd) {
+    if (fcntl(fd, F_GETFD) != -1) continue;
+    int nullFd = open("/dev/null", fd == 0 ? O_RDONLY : O_WRONLY);
+    if (nullFd >= 0 && nullFd != fd) {
+      dup2(nullFd, fd);
+      close(nullFd);
+    }
+  }
+}
+
+void Proc_InstallSignalHandlers() {
+  signal(SIGTERM, Proc_ExitSignal);
+  signal(SIGABRT, Proc_ExitSignal);
+  signal(SIGINT, Proc_ExitSignal);
+  // SIGKILL cannot be caught; the attempt is refused by the system and its
+  // result ignored.
+  signal(SIGKILL, Proc_ExitSignal);
+  signal(SIGPIPE, SIG_IGN);
+}
+
+void Proc_InstallCancelHandler() { signal(SIGTERM, Proc_CancelSignal); }
+
+void Proc_ExitHandler() {
+  if (g_printingTask) {
+    TPrintingTask* task = g_printingTask;
+    g_printingTask = nullptr;
+    delete task;
+  }
+  _exit(g_exitStatus);
+}
+
+void Proc_LogArguments(int argc, char** argv) {
+  for (int i = 0; i < argc; ++i) {
+    const char* arg = argv[i] ? argv[i] : "";
+    if (strnlen(arg, PROC_ARG_LOG_LIMIT) >= PROC_ARG_LOG_LIMIT)
+      Log_Write(LOG_LOG, "ARG%d: %s", i, "{too long}");
+    else
+      Log_Write(LOG_LOG, "ARG%d: %s", i, arg);
+  }
+}
+
+const char* Proc_BaseName(const char* path) {
+  if (!path) return "";
+  const char* slash = strrchr(path, '/');
+  return slash ? slash + 1 : path;
+}

@@ -1,0 +1,28 @@
+// Page processing: which panel a page becomes, and writing side panels.
+// Copyright 2026 The rastertobrellian authors.
+#pragma once
+
+#include <cstdint>
+
+#include <cups/raster.h>
+
+class TPrintingTask;
+
+// 'Page_Process()' - Turn one raster page into the next panel of the side.
+// Returns 1 when the page could not be converted (nothing written), else 0.
+int32_t Page_Process(TPrintingTask* task, const cups_page_header2_t* header);
+
+// 'Page_PrintSidePanel()' - Write one W x H panel (3 bytes per dot for
+// PANEL_COLOR, 1 otherwise) as ICMD_STARTIMAGE, ICMD_IMAGE chunks and
+// ICMD_ENDIMAGE.  A null data pointer writes nothing.  Back-side panels of a
+// tumbled job are turned in place.  Returns 0.
+int32_t Page_PrintSidePanel(TPrintingTask* task, int32_t panelType, uint8_t* data);
+
+int32_t Page_ProcessSubPage_RGB(TPrintingTask* task, uint8_t* rgb);
+int32_t Page_ProcessSubPage_K(TPrintingTask* task, uint8_t* rgb);
+int32_t Page_ProcessSubPage_UV(TPrintingTask* task, uint8_t* rgb);
+int32_t Page_ProcessSubPage_PO(TPrintingTask* task, uint8_t* rgb);
+
+// Preset overlay and UV panels (sent by the functions themselves).
+int32_t Page_ProcessSubPage_POManual(TPrintingTask* task);
+int32_t Page_ProcessSubPage_UVManual(TPrintingTask* task);

@@ -1,0 +1,60 @@
+// Panel types, the model tables and the shared buffer operations.
+// Copyright 2026 The rastertobrellian authors.
+#pragma once
+
+#include <cstdint>
+#include <map>
+
+#include <cups/raster.h>
+
+class TPrintingTask;
+
+// Panel type codes; also the panel field of ICMD_STARTIMAGE.
+constexpr int32_t PANEL_COLOR = 0;
+constexpr int32_t PANEL_K = 1;
+constexpr int32_t PANEL_UV = 2;
+constexpr int32_t PANEL_PO = 3;
+
+struct TPanelGeometry {
+  uint32_t width;
+  uint32_t height;
+};
+
+// Model id -> panel size, and model id -> dots per inch.  Filled once by the
+// start-up table builder, read-only afterwards.
+extern std::map<uint32_t, TPanelGeometry> g_panelGeometry;
+extern std::map<uint32_t, uint32_t> g_modelResolution;
+
+// 'Panel_BuildTables()' - Fill g_panelGeometry and g_modelResolution.
+void Panel_BuildTables();
+
+// 'Panel_Geometry()' - Panel size of the task's printerModel.
+TPanelGeometry Panel_Geometry(const TPrintingTask* task);
+
+// 'CUPS_AllocPage()' - Allocate the task's zero-filled pageBuffer for the
+// page described by header.  Returns 0; on failure writes "ERROR: Unable to
+// allocate memory!" and ends the process with status 1.
+int32_t CUPS_AllocPage(TPrintingTask* task, const cups_page_header2_t* header);
+
+// 'Image_Rotate180()' - Turn a width x height image of elementSize-byte
+// pixels (at most 64) by 180 degrees in place.  Returns 0.
+int32_t Image_Rotate180(TPrintingTask* task, uint8_t* buffer, uint32_t width, uint32_t height,
+                        uint32_t elementSize);
+
+// 'Image_FitSize()' - Scale (width, height) to fit (targetWidth,
+// targetHeight) keeping the aspect ratio.
+void Image_FitSize(TPrintingTask* task, uint32_t targetWidth, uint32_t targetHeight,
+                   uint32_t* width, uint32_t* height);
+
+// 'Image_Luminance()' - 0.299 R + 0.587 G + 0.114 B in double precision,
+// truncated; 255 when above 255.0.
+uint8_t Image_Luminance(uint8_t r, uint8_t g, uint8_t b);
+
+// 'Image_ToGrayInPlace()' - Replace every pixel of the W x H x 3 panel by its
+// luminance in all three bytes.  Returns 1 when rgb is null, else 0.
+int32_t Image_ToGrayInPlace(TPrintingTask* task, uint8_t* rgb);
+
+// 'Image_ToGrayPlane()' - Allocate a W x H plane into *out and fill it with
+// the luminance of the W x H x 3 panel.  Returns 0; *out is null when the
+// plane could not be allocated.  The caller frees *out.
+int32_t Image_ToGrayPlane(TPrintingTask* task, const uint8_t* rgb, uint8_t** out);

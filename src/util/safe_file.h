@@ -1,0 +1,28 @@
+// Opening files that other programs may have planted: no symbolic links, no
+// FIFOs or devices, no descriptor leaked to child processes.
+// Copyright 2026 The rastertobrellian authors.
+#pragma once
+
+#include <cstddef>
+#include <cstdio>
+#include <string>
+
+// 'File_OpenRegular()' - open(2) path with O_NOFOLLOW, O_NONBLOCK and
+// O_CLOEXEC added to flags, then check that it is a regular file.  Returns
+// the descriptor (blocking mode restored), or -1 with errno set (ELOOP for a
+// symbolic link, EINVAL for anything that is not a regular file).
+int File_OpenRegular(const char* path, int flags, unsigned mode = 0666);
+
+// 'File_FOpenRegular()' - The same, wrapped in a stdio stream.  mode is one
+// of "rb", "r", "wb", "w", "ab", "a", "a+".  Returns null with errno set.
+FILE* File_FOpenRegular(const char* path, const char* mode);
+
+// 'File_ReadCapped()' - Read a whole regular file of at most maxBytes bytes
+// into out.  Returns 0, or -1 with errno set (EFBIG when the file is larger
+// than maxBytes; out is then left empty).
+int File_ReadCapped(const char* path, size_t maxBytes, std::string* out);
+
+// 'File_IsSafeName()' - True when name can be used as one file name inside a
+// directory: not empty, at most maxLen bytes, no "/", no leading ".", no
+// control characters.
+bool File_IsSafeName(const char* name, size_t maxLen = 255);

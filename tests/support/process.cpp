@@ -1,0 +1,170 @@
+// Running the built filter and tools as the spooler runs them.
+// Copyright 2026 The rastertobrellian authors.
+#include "support/process.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "brellian_paths.h"
+
+extern char** environ;
+
+TProcessResult Test_RunProcess(const std::vector<std::string>& argv, const TProcessOptions& options) {
+  TProcessResult result;
+  int inPipe[2], outPipe[2], errPipe[2];
+  if (pipe(inPipe) || pipe(outPipe) || pipe(errPipe)) return result;
+
+  std::vector<std::string> envStrings;
+  for (char** e = environ; *e; ++e) {
+    std::string entry(*e);
+    std::string name = entry.substr(0, entry.find('='));
+    bool drop = options.env.count(name) > 0;
+    for (const std::string& u : options.unsetEnv) drop = drop || u == name;
+    if (!drop) envStrings.push_back(entry);
+  }
+  for (const auto& kv : options.env) envStrings.push_back(kv.first + "=" + kv.second);
+  std::vector<char*> envp;
+  for (std::string& s : envStrings) envp.push_back(&s[0]);
+  envp.push_back(nullptr);
+  std::vector<std::string> args = argv;
+  std::vector<char*> argp;
+  for (std::string& s : args) argp.push_back(&s[0]);
+  argp.push_back(nullptr);
+
+  pid_t pid = fork();
+  if (pid == 0) {
+    dup2(inPipe[0], 0);
+    dup2(outPipe[1], 1);
+    dup2(errPipe[1], 2);
+    for (int fd : {inPipe[0], inPipe[1], outPipe[0], outPipe[1], errPipe[0], errPipe[1]}) close(fd);
+    if (options.closeStdout) close(1);
+    execve(argp[0], argp.data(), envp.data());
+    _exit(127);
+  }
+  close(inPipe[0]);
+  close(outPipe[1]);
+  close(errPipe[1]);
+  signal(SIGPIPE, SIG_IGN);
+
+  size_t written = 0;
+  int inFd = inPipe[1];
+  if (options.input.empty()) {
+    close(inFd);
+    inFd = -1;
+  } else {
+    fcntl(inFd, F_SETFL, O_NONBLOCK);
+  }
+  bool sigtermSent = false;
+  bool outOpen = true, errOpen = true;
+  char buf[65536];
+  while (outOpen || errOpen) {
+    struct pollfd fds[3];
+    int n = 0;
+    int outIdx = -1, errIdx = -1, inIdx = -1;
+    if (outOpen) { fds[n] = {outPipe[0], POLLIN, 0}; outIdx = n++; }
+    if (errOpen) { fds[n] = {errPipe[0], POLLIN, 0}; errIdx = n++; }
+    if (inFd >= 0) { fds[n] = {inFd, POLLOUT, 0}; inIdx = n++; }
+    if (poll(fds, n, 60000) <= 0) break;
+    if (outIdx >= 0 && fds[outIdx].revents) {
+      ssize_t r = read(outPipe[0], buf, sizeof buf);
+      if (r <= 0) outOpen = false; else result.out.append(buf, r);
+    }
+    if (errIdx >= 0 && fds[errIdx].revents) {
+      ssize_t r = read(errPipe[0], buf, sizeof buf);
+      if (r <= 0) errOpen = false; else result.err.append(buf, r);
+      if (!sigtermSent && !options.sigtermOnErr.empty() &&
+          result.err.find(options.sigtermOnErr) != std::string::npos) {
+        kill(pid, SIGTERM);
+        sigtermSent = true;
+      }
+    }
+    if (inIdx >= 0 && fds[inIdx].revents) {
+      if (fds[inIdx].revents & (POLLERR | POLLHUP)) {
+        close(inFd);
+        inFd = -1;
+      } else {
+        ssize_t w = write(inFd, options.input.data() + written, options.input.size() - written);
+        if (w > 0) written += static_cast<size_t>(w);
+        if (w < 0 && errno != EAGAIN) written = options.input.size();
+        if (written >= options.input.size()) {
+          close(inFd);
+          inFd = -1;
+        }
+      }
+    }
+  }
+  if (inFd >= 0) close(inFd);
+  close(outPipe[0]);
+  close(errPipe[0]);
+  int status = 0;
+  waitpid(pid, &status, 0);
+  result.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  return result;
+}
+
+TProcessResult Test_RunFilter(const std::vector<std::string>& args, const TProcessOptions& options) {
+  std::vector<std::string> argv = {BRELLIAN_FILTER_PATH};
+  argv.insert(argv.end(), args.begin(), args.end());
+  return Test_RunProcess(argv, options);
+}
+
+std::string Test_ConfDir() { return BRELLIAN_CONF_DIR; }
+std::string Test_LogDir() { return BRELLIAN_LOG_DIR; }
+std::string Test_LogFile() { return std::string(BRELLIAN_LOG_DIR) + "/rastertobrellian.log"; }
+
+std::string Test_ReadFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream ss;
+  ss << in.rdbuf();
+  return ss.str();
+}
+
+void Test_WriteFile(const std::string& path, const std::string& data) {
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  out << data;
+}
+
+void Test_RemoveTree(const std::string& path) {
+  std::string cmd = "rm -rf '" + path + "'";
+  int rc = system(cmd.c_str());
+  (void)rc;
+}
+
+void Test_MakeDirs(const std::string& path) {
+  std::string cmd = "mkdir -p '" + path + "'";
+  int rc = system(cmd.c_str());
+  (void)rc;
+}
+
+void Test_ResetLog() {
+  unlink(Test_LogFile().c_str());
+  unlink(BRELLIAN_LOG_CONFIG_FILE);
+}
+
+void Test_SetLogLevelWord(const std::string& word) {
+  Test_MakeDirs(Test_LogDir());
+  Test_WriteFile(BRELLIAN_LOG_CONFIG_FILE, "rastertobrellian = " + word + "\n");
+}
+
+std::vector<std::string> Test_LogMessages() {
+  std::vector<std::string> lines;
+  std::istringstream in(Test_ReadFile(Test_LogFile()));
+  std::string line;
+  while (std::getline(in, line)) lines.push_back(line.size() >= 16 ? line.substr(16) : line);
+  return lines;
+}
+
+bool Test_Contains(const std::vector<std::string>& lines, const std::string& line) {
+  for (const std::string& l : lines)
+    if (l == line) return true;
+  return false;
+}
