@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "options/mag.h"
+
 class TPrintingTask;
 
 // Command codes.
@@ -68,6 +70,106 @@ inline void Rec_Header(uint8_t* record, uint16_t type, uint32_t length) {
   Rec_Put16(record, type);
   Rec_Put32(record + 2, length);
 }
+
+// Whole record sizes: header and payload.
+constexpr size_t ICMD_STARTJOB_BYTES = ICMD_HEADER_BYTES + ICMD_STARTJOB_PAYLOAD;
+constexpr size_t ICMD_ENDJOB_BYTES = ICMD_HEADER_BYTES + ICMD_ENDJOB_PAYLOAD;
+constexpr size_t ICMD_STARTCARD_BYTES = ICMD_HEADER_BYTES + ICMD_STARTCARD_PAYLOAD;
+constexpr size_t ICMD_ENDCARD_BYTES = ICMD_HEADER_BYTES + ICMD_ENDCARD_PAYLOAD;
+constexpr size_t ICMD_MAGENCODE_BYTES = ICMD_HEADER_BYTES + ICMD_MAGENCODE_PAYLOAD;
+constexpr size_t ICMD_STARTSIDE_BYTES = ICMD_HEADER_BYTES + ICMD_STARTSIDE_PAYLOAD;
+constexpr size_t ICMD_ENDSIDE_BYTES = ICMD_HEADER_BYTES + ICMD_ENDSIDE_PAYLOAD;
+constexpr size_t ICMD_STARTIMAGE_BYTES = ICMD_HEADER_BYTES + ICMD_STARTIMAGE_PAYLOAD;
+constexpr size_t ICMD_ENDIMAGE_BYTES = ICMD_HEADER_BYTES + ICMD_ENDIMAGE_PAYLOAD;
+constexpr size_t ICMD_LUTTABLE_BYTES = ICMD_HEADER_BYTES + ICMD_LUTTABLE_PAYLOAD;
+
+// Field offsets from the first byte of a record.
+constexpr size_t STARTJOB_FORMAT = 6;
+constexpr size_t STARTJOB_PRINTER = 14;
+constexpr size_t STARTJOB_JOBID = 18;
+constexpr size_t STARTJOB_COPIES = 22;
+constexpr size_t STARTJOB_TITLE = 27;
+constexpr size_t STARTJOB_PLUGIN = 155;
+constexpr size_t STARTJOB_QUEUE = 283;
+constexpr size_t STARTCARD_ID = 6;
+constexpr size_t STARTCARD_COPIES = 14;
+constexpr size_t STARTCARD_ENTRY_FLIP = 18;
+constexpr size_t STARTCARD_MAG_FLIP = 19;
+constexpr size_t STARTCARD_DUPLEX = 20;
+constexpr size_t STARTCARD_LAMINATE = 21;
+constexpr size_t STARTCARD_MAG_ENCODE = 22;
+constexpr size_t STARTCARD_MAG_PO_MODE = 23;
+constexpr size_t STARTCARD_THICKNESS = 24;
+constexpr size_t STARTCARD_EJECT = 25;
+constexpr size_t MAGENCODE_TRACK1 = 6;           // tracks follow every 130 bytes
+constexpr size_t STARTSIDE_SIDE = 6;
+constexpr size_t STARTSIDE_YMC = 10;
+constexpr size_t STARTSIDE_K = 11;
+constexpr size_t STARTSIDE_UV = 12;
+constexpr size_t STARTSIDE_PO = 13;
+constexpr size_t STARTSIDE_MAC = 14;
+constexpr size_t STARTSIDE_SECURE_ERASE = 15;
+constexpr size_t STARTSIDE_LUT = 16;
+constexpr size_t STARTIMAGE_WIDTH = 6;
+constexpr size_t STARTIMAGE_HEIGHT = 8;
+constexpr size_t STARTIMAGE_PANEL = 10;
+
+// The options ICMD_STARTCARD carries; each one-byte field is the low byte of
+// its 32-bit option.
+struct TCardFields {
+  int32_t copies;
+  int32_t entryCardFlip;
+  int32_t magEncodeCardFlip;
+  int32_t duplex;
+  int32_t cardLaminate;
+  int32_t magEncode;
+  int32_t magPOMode;
+  int32_t cardThickness;
+  int32_t cardEjectExisting;
+};
+
+// The options of one side that ICMD_STARTSIDE carries.
+struct TSideFields {
+  int32_t side;         // 0 front, 1 back
+  int32_t ribbon;       // 0 Monochrome, 1 Grayscale, 2 colour, 3 ColorK
+  int32_t uv;           // UV code, 0 none
+  int32_t po;           // overlay code, 0 none
+  int32_t uvMAC;        // UV mark corner, 1 LowerLeft
+  int32_t secureErase;  // low byte sent
+  int32_t lutCode;      // low byte sent
+};
+
+// Record builders.  Each fills a zero-filled buffer of the record's whole
+// size (ICMD_..._BYTES) with the header and payload; bytes not named by the
+// record layout stay 0.
+
+// 'Rec_StartJob()' - ICMD_STARTJOB.  Null or empty strings leave their field
+// zero; strings of 128 characters or more are cut to 127 plus the zero.
+void Rec_StartJob(uint8_t* record, int32_t printer, int32_t jobId, int32_t copies,
+                  const char* title, const char* plugin, const char* queue);
+// 'Rec_EndJob()' - ICMD_ENDJOB.
+void Rec_EndJob(uint8_t* record, int32_t jobId);
+// 'Rec_StartCard()' - ICMD_STARTCARD.
+void Rec_StartCard(uint8_t* record, uint64_t cardId, const TCardFields& fields);
+// 'Rec_EndCard()' - ICMD_ENDCARD.
+void Rec_EndCard(uint8_t* record, uint64_t cardId);
+// 'Rec_MagEncode()' - ICMD_MAGENCODE from three tracks; a track whose first
+// byte is 0 stays all zero.  Returns the number of tracks copied.
+int32_t Rec_MagEncode(uint8_t* record, const TMagTrack tracks[3]);
+// 'Rec_StartSide()' - ICMD_STARTSIDE.
+void Rec_StartSide(uint8_t* record, const TSideFields& fields);
+// 'Rec_EndSide()' - ICMD_ENDSIDE.
+void Rec_EndSide(uint8_t* record, int32_t side);
+// 'Rec_StartImage()' - ICMD_STARTIMAGE (width and height keep their low 16
+// bits).
+void Rec_StartImage(uint8_t* record, uint32_t width, uint32_t height, int32_t panel);
+// 'Rec_EndImage()' - ICMD_ENDIMAGE.
+void Rec_EndImage(uint8_t* record);
+// 'Rec_ImageHeader()' - The 6-byte header of an ICMD_IMAGE of n data bytes.
+void Rec_ImageHeader(uint8_t* header, uint32_t n);
+// 'Rec_LUTTable()' - ICMD_LUTTABLE from three 256-entry tables (red, green,
+// blue).
+void Rec_LUTTable(uint8_t* record, const uint8_t lut[3][256]);
 
 // 'Job_WriteCommand()' - Log a complete record (header and payload in one
 // buffer) and write its 6 + length bytes to the task's output with one
