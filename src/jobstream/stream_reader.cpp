@@ -130,11 +130,11 @@ int32_t Stream_Apply(TReaderState* s, const TStreamRecord& rec, const uint8_t* p
   uint64_t at = rec.offset;
   switch (rec.type) {
     case ICMD_STARTJOB: {
-      uint32_t word = Rec_Get32(payload);
+      uint32_t word = Rec_Get32(payload + STARTJOB_FORMAT - ICMD_HEADER_BYTES);
       if (word != ICMD_FORMAT_WORD)
         return Stream_Fail(out, at, "ICMD_STARTJOB format word is 0x%08" PRIx32 ", not 0x00010001", word);
       s->jobOpen = true;
-      s->jobId = Rec_Get32(payload + 12);
+      s->jobId = Rec_Get32(payload + STARTJOB_JOBID - ICMD_HEADER_BYTES);
       break;
     }
     case ICMD_ENDJOB:
@@ -148,7 +148,7 @@ int32_t Stream_Apply(TReaderState* s, const TStreamRecord& rec, const uint8_t* p
       s->cardOpen = true;
       s->cards++;
       s->sides = 0;
-      s->cardId = Rec_Get64(payload);
+      s->cardId = Rec_Get64(payload + STARTCARD_ID - ICMD_HEADER_BYTES);
       break;
     case ICMD_ENDCARD:
       if (Rec_Get64(payload) != s->cardId)
@@ -157,7 +157,7 @@ int32_t Stream_Apply(TReaderState* s, const TStreamRecord& rec, const uint8_t* p
       s->cardOpen = false;
       break;
     case ICMD_STARTSIDE: {
-      int32_t side = static_cast<int32_t>(Rec_Get32(payload));
+      int32_t side = static_cast<int32_t>(Rec_Get32(payload + STARTSIDE_SIDE - ICMD_HEADER_BYTES));
       if (side != static_cast<int32_t>(s->sides))
         return Stream_Fail(out, at, "ICMD_STARTSIDE for side %" PRId32 ", expected side %" PRIu32, side, s->sides);
       s->sideOpen = true;
@@ -177,9 +177,9 @@ int32_t Stream_Apply(TReaderState* s, const TStreamRecord& rec, const uint8_t* p
       TStreamPanel panel;
       panel.side = s->side;
       panel.index = s->imagesOnSide++;
-      panel.width = Rec_Get16(payload);
-      panel.height = Rec_Get16(payload + 2);
-      panel.panelType = payload[4];
+      panel.width = Rec_Get16(payload + STARTIMAGE_WIDTH - ICMD_HEADER_BYTES);
+      panel.height = Rec_Get16(payload + STARTIMAGE_HEIGHT - ICMD_HEADER_BYTES);
+      panel.panelType = payload[STARTIMAGE_PANEL - ICMD_HEADER_BYTES];
       panel.offset = at;
       if (panel.panelType > 3)
         return Stream_Fail(out, at, "ICMD_STARTIMAGE panel type %" PRIu32 " is not 0-3", panel.panelType);

@@ -21,57 +21,61 @@ std::string Fields_String(const uint8_t* p, size_t size) {
   return std::string(reinterpret_cast<const char*>(p), n);
 }
 
+// 'At()' - A field of a record, given by its offset from the record's first
+// byte, inside the payload p.
+const uint8_t* At(const uint8_t* p, size_t recordOffset) { return p + recordOffset - ICMD_HEADER_BYTES; }
+
 }  // namespace
 
 bool Stream_DecodeStartJob(const TStreamRecord& rec, TStartJobFields* out) {
   const uint8_t* p = Fields_Payload(rec, ICMD_STARTJOB, ICMD_STARTJOB_PAYLOAD);
   if (!p) return false;
-  out->formatWord = Rec_Get32(p);
-  out->printer = Rec_Get32(p + 8);
-  out->jobId = Rec_Get32(p + 12);
-  out->copies = Rec_Get32(p + 16);
-  out->title = Fields_String(p + 21, ICMD_STRING_BYTES);
-  out->plugin = Fields_String(p + 149, ICMD_STRING_BYTES);
-  out->queue = Fields_String(p + 277, ICMD_STRING_BYTES);
+  out->formatWord = Rec_Get32(At(p, STARTJOB_FORMAT));
+  out->printer = Rec_Get32(At(p, STARTJOB_PRINTER));
+  out->jobId = Rec_Get32(At(p, STARTJOB_JOBID));
+  out->copies = Rec_Get32(At(p, STARTJOB_COPIES));
+  out->title = Fields_String(At(p, STARTJOB_TITLE), ICMD_STRING_BYTES);
+  out->plugin = Fields_String(At(p, STARTJOB_PLUGIN), ICMD_STRING_BYTES);
+  out->queue = Fields_String(At(p, STARTJOB_QUEUE), ICMD_STRING_BYTES);
   return true;
 }
 
 bool Stream_DecodeStartCard(const TStreamRecord& rec, TStartCardFields* out) {
   const uint8_t* p = Fields_Payload(rec, ICMD_STARTCARD, ICMD_STARTCARD_PAYLOAD);
   if (!p) return false;
-  out->cardId = Rec_Get64(p);
-  out->copies = Rec_Get32(p + 8);
-  out->entryFlip = p[12];
-  out->magEncodeFlip = p[13];
-  out->duplex = p[14];
-  out->laminate = p[15];
-  out->magEncode = p[16];
-  out->magPOMode = p[17];
-  out->cardThickness = p[18];
-  out->ejectExisting = p[19];
+  out->cardId = Rec_Get64(At(p, STARTCARD_ID));
+  out->copies = Rec_Get32(At(p, STARTCARD_COPIES));
+  out->entryFlip = *At(p, STARTCARD_ENTRY_FLIP);
+  out->magEncodeFlip = *At(p, STARTCARD_MAG_FLIP);
+  out->duplex = *At(p, STARTCARD_DUPLEX);
+  out->laminate = *At(p, STARTCARD_LAMINATE);
+  out->magEncode = *At(p, STARTCARD_MAG_ENCODE);
+  out->magPOMode = *At(p, STARTCARD_MAG_PO_MODE);
+  out->cardThickness = *At(p, STARTCARD_THICKNESS);
+  out->ejectExisting = *At(p, STARTCARD_EJECT);
   return true;
 }
 
 bool Stream_DecodeStartSide(const TStreamRecord& rec, TStartSideFields* out) {
   const uint8_t* p = Fields_Payload(rec, ICMD_STARTSIDE, ICMD_STARTSIDE_PAYLOAD);
   if (!p) return false;
-  out->side = static_cast<int32_t>(Rec_Get32(p));
-  out->ymc = p[4];
-  out->k = p[5];
-  out->uv = p[6];
-  out->po = p[7];
-  out->mac = p[8];
-  out->secureErase = p[9];
-  out->lut = p[10];
+  out->side = static_cast<int32_t>(Rec_Get32(At(p, STARTSIDE_SIDE)));
+  out->ymc = *At(p, STARTSIDE_YMC);
+  out->k = *At(p, STARTSIDE_K);
+  out->uv = *At(p, STARTSIDE_UV);
+  out->po = *At(p, STARTSIDE_PO);
+  out->mac = *At(p, STARTSIDE_MAC);
+  out->secureErase = *At(p, STARTSIDE_SECURE_ERASE);
+  out->lut = *At(p, STARTSIDE_LUT);
   return true;
 }
 
 bool Stream_DecodeStartImage(const TStreamRecord& rec, TStartImageFields* out) {
   const uint8_t* p = Fields_Payload(rec, ICMD_STARTIMAGE, ICMD_STARTIMAGE_PAYLOAD);
   if (!p) return false;
-  out->width = Rec_Get16(p);
-  out->height = Rec_Get16(p + 2);
-  out->panel = p[4];
+  out->width = Rec_Get16(At(p, STARTIMAGE_WIDTH));
+  out->height = Rec_Get16(At(p, STARTIMAGE_HEIGHT));
+  out->panel = *At(p, STARTIMAGE_PANEL);
   return true;
 }
 
@@ -97,7 +101,7 @@ bool Stream_DecodeMagEncode(const TStreamRecord& rec, TMagTrackFields tracks[3])
   const uint8_t* p = Fields_Payload(rec, ICMD_MAGENCODE, ICMD_MAGENCODE_PAYLOAD);
   if (!p) return false;
   for (int i = 0; i < 3; ++i) {
-    const uint8_t* t = p + 130 * i;
+    const uint8_t* t = At(p, MAGENCODE_TRACK1) + 130 * i;
     tracks[i].format = t[0];
     tracks[i].length = t[1];
     tracks[i].chars.assign(t + 2, t + 130);
