@@ -1,0 +1,66 @@
+// The black panel of a side: pure black and white mapped, anything else diffused.
+// Copyright 2026 The rastertobrellian authors.
+#include <cstdlib>
+
+#include "driver/printing_task.h"
+#include "imaging/panel.h"
+#include "imaging/stages.h"
+#include "log/log.h"
+
+namespace {
+
+// Dots tested together before the scan looks for a grey one among them.
+constexpr size_t kScanBlock = 256;
+
+// 'Halftone_FindGrey()' - True when some dot of the n-byte image is neither
+// (0,0,0) nor (255,255,255).  Blocks are tested without branches per dot,
+// and the scan stops at the first block holding a grey dot.
+bool Halftone_FindGrey(const uint8_t* rgb, size_t dots) {
+  for (size_t start = 0; start < dots; start += kScanBlock) {
+    size_t end = dots - start < kScanBlock ? dots : start + kScanBlock;
+    uint32_t grey = 0;
+    for (size_t i = start; i < end; ++i) {
+      uint32_t sum = static_cast<uint32_t>(rgb[3 * i]) + rgb[3 * i + 1] + rgb[3 * i + 2];
+      grey |= (sum != 0) & (sum != 765);
+    }
+    if (grey) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+// 'Image_Halftone()' - Make the W x H black panel (255 = print) of the side
+// image rgb into *out; the caller frees it with free().  An image of only
+// pure black and pure white dots prints its black dots solid; any grey dot
+// sends the whole image through Image_Bilevel with g_floydSteinbergKernel
+// and threshold 127.  Returns 0 (also when the diffusion failed and *out
+// is null), 25 when out or rgb is null, 1 when the pure panel could not be
+// allocated (*out null).
+int32_t Image_Halftone(TPrintingTask* task, const uint8_t* rgb, uint8_t** out) {
+  TPanelGeometry panel = Panel_Geometry(task);
+  const size_t dots = static_cast<size_t>(panel.width) * panel.height;
+  Log_Write(LOG_ENTRYEXIT, ">>>> Image_Halftone");
+  if (!out) {
+    Log_Write(LOG_ENTRYEXIT, "<<<< Image_Halftone[1][nullptr]");
+    return 25;
+  }
+  if (!rgb) {
+    Log_Write(LOG_ENTRYEXIT, "<<<< Image_Halftone[2][nullptr]");
+    return 25;
+  }
+  if (dots > 0 && Halftone_FindGrey(rgb, dots)) {
+    Image_Bilevel(task, rgb, out, g_floydSteinbergKernel, 127);
+  } else {
+    uint8_t* mono = static_cast<uint8_t*>(malloc(dots ? dots : 1));
+    *out = mono;
+    if (!mono) {
+      Log_Write(LOG_ENTRYEXIT, "<<<< Image_Halftone[3][nullptr]");
+      return 1;
+    }
+    for (size_t i = 0; i < dots; ++i)
+      mono[i] = (rgb[3 * i] | rgb[3 * i + 1] | rgb[3 * i + 2]) == 0 ? 255 : 0;
+  }
+  Log_Write(LOG_ENTRYEXIT, "<<<< Image_Halftone[success]");
+  return 0;
+}
