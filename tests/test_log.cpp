@@ -2,9 +2,11 @@
 // Copyright 2026 The rastertobrellian authors.
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <pthread.h>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -172,78 +174,51 @@ TEST_F(LogToStderr, ControlCharactersAreEscaped) {
   EXPECT_EQ(" a\\x0Ab\\x1B\n", Capture([] { Log_Write(LOG_LOG, "%s", "a\nb\x1b"); }));
 }
 
-TEST(LogFile, SystemDestinationStampsLinesAndHasNoSizeLimit) {
+TEST_F(LogToStderr, ErrorPrefixStandsAfterTheIndentation) {
+  Log_SetLevel(24);
+  std::string out = Capture([] {
+    Log_Write(LOG_ENTRYEXIT, ">>>> A");
+    Log_Write(LOG_ERROR, "bad %d", 3);
+    Log_Write(LOG_WARNING, "w");
+    Log_Write(LOG_ENTRYEXIT, "<<<< A[[%d]", 0);
+  });
+  EXPECT_EQ(" >>>> A\n      ERROR: bad 3\n      WARNING: w\n <<<< A[[0]\n", out);
+}
+
+TEST_F(LogToStderr, LevelIsAPlainThreshold) {
+  Log_SetLevel(LOG_WARNING);
+  EXPECT_EQ(" WARNING: w\n", Capture([] {
+              Log_Write(LOG_WARNING, "w");
+              Log_Write(LOG_INFO, "i");
+            }));
+  Log_SetLevel(LOG_NONE);
+  EXPECT_EQ("", Capture([] { Log_Write(LOG_LOG, "plain"); }));
+}
+
+TEST_F(LogToStderr, LinesBelowTheLevelDoNotMoveTheDepth) {
+  Log_SetLevel(LOG_LOG);
+  std::string out = Capture([] {
+    Log_Write(LOG_ENTRYEXIT, ">>>> hidden");
+    Log_Write(LOG_LOG, "flat");
+  });
+  EXPECT_EQ(" flat\n", out);
+  EXPECT_EQ(0, Log_GetDepth());
+}
+
+TEST_F(LogToStderr, SignalMaskIsRestoredAfterALine) {
+  Log_SetLevel(24);
+  sigset_t before, after;
+  pthread_sigmask(SIG_BLOCK, nullptr, &before);
+  Capture([] { Log_Write(LOG_LOG, "x"); });
+  pthread_sigmask(SIG_BLOCK, nullptr, &after);
+  for (int sig : {SIGTERM, SIGINT, SIGABRT})
+    EXPECT_EQ(sigismember(&before, sig), sigismember(&after, sig)) << sig;
+}
+
+TEST(LogConfig, OversizedFileGivesDefault) {
   Test_MakeDirs(BRELLIAN_LOG_DIR);
-  std::string path = std::string(BRELLIAN_LOG_DIR) + "/unit-system.log";
-  unlink(path.c_str());
-  Log_SetFileName("unit-system.log");
-  Log_SetOutputMask(LOG_OUT_SYSTEM);
-  Log_SetLevel(2);
-  Log_SetDepth(0);
-  Log_Write(LOG_LOG, "hello %d", 5);
-  Log_SetOutputMask(0);
-  std::string text = Test_ReadFile(path);
-  // "YYMMDD HH:MM:SS " then the line, which begins with a space.
-  ASSERT_EQ(16u + 9u, text.size()) << text;
-  EXPECT_EQ("  hello 5\n", text.substr(15));
-  for (int i : {0, 1, 2, 3, 4, 5, 7, 8, 10, 11, 13, 14}) EXPECT_TRUE(isdigit(text[i])) << i;
-  EXPECT_EQ(':', text[9]);
-  EXPECT_EQ(':', text[12]);
-  unlink(path.c_str());
-}
-
-TEST(LogFile, HomeDestinationCreatesDirectoriesAndRotatesPast16MiB) {
-  std::string home = std::string(BRELLIAN_CONF_DIR) + "/../../home-test";
-  Test_RemoveTree(home);
-  Test_MakeDirs(home);
-  setenv("HOME", home.c_str(), 1);
-  Log_SetFileName("unit-home.log");
-  Log_SetOutputMask(LOG_OUT_HOME);
-  Log_SetLevel(2);
-  Log_Write(LOG_LOG, "first");
-  std::string path = home + "/Brellian/Logs/unit-home.log";
-  EXPECT_NE(std::string::npos, Test_ReadFile(path).find(" first\n"));
-  // Grow the file past 16 MiB: the next line deletes it.
-  Test_WriteFile(path, std::string(LOG_ROTATE_BYTES, 'x'));
-  Log_Write(LOG_LOG, "second");
-  struct stat st;
-  EXPECT_NE(0, stat(path.c_str(), &st));
-  Log_Write(LOG_LOG, "third");
-  EXPECT_NE(std::string::npos, Test_ReadFile(path).find(" third\n"));
-  Log_SetOutputMask(0);
-  Test_RemoveTree(home);
-}
-
-TEST(LogFile, SpoolDestinationFallsBackToHome) {
-  std::string home = std::string(BRELLIAN_CONF_DIR) + "/../../home-spool";
-  Test_RemoveTree(home);
-  Test_RemoveTree(BRELLIAN_SPOOL_TMP_DIR);
-  Test_MakeDirs(home);
-  setenv("HOME", home.c_str(), 1);
-  Log_SetFileName("unit-spool.log");
-  Log_SetOutputMask(LOG_OUT_SPOOL);
-  Log_SetLevel(2);
-  Log_Write(LOG_LOG, "to home");
-  EXPECT_NE(std::string::npos, Test_ReadFile(home + "/Brellian/Logs/unit-spool.log").find(" to home\n"));
-  Test_MakeDirs(BRELLIAN_SPOOL_TMP_DIR);
-  Log_Write(LOG_LOG, "to spool");
-  EXPECT_NE(std::string::npos,
-            Test_ReadFile(std::string(BRELLIAN_SPOOL_TMP_DIR) + "/unit-spool.log").find(" to spool\n"));
-  Log_SetOutputMask(0);
-  Test_RemoveTree(home);
-  Test_RemoveTree(BRELLIAN_SPOOL_TMP_DIR);
-}
-
-TEST(LogFile, UnsetHomeSkipsTheHomeDestination) {
-  const char* saved = getenv("HOME");
-  std::string keep = saved ? saved : "";
-  unsetenv("HOME");
-  Log_SetFileName("unit-nohome.log");
-  Log_SetOutputMask(LOG_OUT_HOME);
-  Log_SetLevel(2);
-  Log_Write(LOG_LOG, "dropped");
-  struct stat st;
-  EXPECT_NE(0, stat("Brellian", &st));
-  Log_SetOutputMask(0);
-  if (saved) setenv("HOME", keep.c_str(), 1);
+  Test_WriteFile(BRELLIAN_LOG_CONFIG_FILE,
+                 "rastertobrellian=trace\n" + std::string(1024 * 1024, '#') + "\n");
+  EXPECT_EQ(2, Log_ReadLevel("rastertobrellian", 2));
+  unlink(BRELLIAN_LOG_CONFIG_FILE);
 }

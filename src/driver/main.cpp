@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 #include <sys/stat.h>
 #include <sys/utsname.h>
 #include <unistd.h>
@@ -16,7 +17,12 @@
 #include "log/log.h"
 #include "status/tables.h"
 
-int main(int argc, char** argv) {
+// 'main()' - Prepare the process (tables, log, signals, exit handler), log
+// the command line, check the argument count and run the one printing task.
+// Returns g_exitStatus; the exit handler then deletes the task and ends the
+// process with that status.
+int main(int argc,      // I - Number of arguments (6 or 7)
+         char** argv) { // I - job-id user title copies options [file]
   Proc_GuardStandardDescriptors();
 
   Status_BuildTables();
@@ -30,7 +36,9 @@ int main(int argc, char** argv) {
             system.sysname, system.version, BRELLIAN_VERSION,
             static_cast<unsigned>(Log_GetLevel()));
 
-  // Directories and files created from here on get their full modes.
+  // Directories and files created from here on get their full modes.  The
+  // log directory, made by the line above when it was missing, keeps the
+  // modes of the umask the filter was started with.
   umask(0);
 
   Proc_InstallSignalHandlers();
@@ -46,7 +54,13 @@ int main(int argc, char** argv) {
     return 1;
   }
 
-  g_printingTask = new TPrintingTask(argc, argv);
+  // The exit handler, not main, deletes the task.
+  g_printingTask = new (std::nothrow) TPrintingTask(argc, argv);
+  if (!g_printingTask) {
+    Log_Write(LOG_ERROR, "main --> out of memory for the printing task");
+    g_exitStatus = 1;
+    return 1;
+  }
   g_printingTask->run();
   return g_exitStatus;
 }
