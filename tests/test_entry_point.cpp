@@ -150,3 +150,20 @@ TEST(ProcBaseName, PartAfterTheLastSlash) {
   EXPECT_STREQ("", Proc_BaseName("dir/"));
   EXPECT_STREQ("", Proc_BaseName(nullptr));
 }
+
+TEST_F(EntryPoint, SevenArgumentsRunTheTaskOnTheNamedFile) {
+  // A raster file that does not exist: no job output, status 1, and the
+  // task is still destroyed by the exit handler.
+  Test_SetLogLevelWord("EntryExit");
+  std::string missing = Test_LogDir() + "/no-such-raster.ras";
+  unlink(missing.c_str());
+  TProcessResult r = Test_RunFilter({"1", "u", "t", "1", "", missing});
+  EXPECT_EQ(1, r.status);
+  EXPECT_EQ("", r.out);
+  EXPECT_EQ(std::string::npos, r.err.find("job-id user title"));
+  std::vector<std::string> log = Test_LogMessages();
+  ASSERT_FALSE(log.empty());
+  EXPECT_EQ(EntryLine(7, "0018"), log[0]);
+  EXPECT_TRUE(Test_Contains(log, " ARG6: " + missing));
+  EXPECT_EQ(" ~TPrintingTask --> gracefull exit.", log.back());
+}
