@@ -35,7 +35,10 @@ bool Tool_ReadAll(FILE* stream, size_t maxBytes, std::string* out) {
   for (;;) {
     size_t n = fread(buf, 1, sizeof buf, stream);
     if (n > 0) {
-      if (out->size() + n > maxBytes) return false;
+      if (out->size() + n > maxBytes) {
+        errno = EFBIG;
+        return false;
+      }
       out->append(buf, n);
     }
     if (n < sizeof buf) return !ferror(stream);

@@ -14,5 +14,6 @@ bool Tool_WriteFile(const std::string& path, const std::string& bytes);
 bool Tool_WriteAll(FILE* stream, const std::string& bytes);
 
 // 'Tool_ReadAll()' - Read a stream to its end into *out, at most maxBytes
-// bytes.  False on a read error or when the stream holds more.
+// bytes.  False on a read error or when the stream holds more (errno
+// EFBIG).
 bool Tool_ReadAll(FILE* stream, size_t maxBytes, std::string* out);

@@ -1,0 +1,119 @@
+// brellian-jobdump: check a job command stream, list its records, write its panels as PNG.
+// Copyright 2026 The rastertobrellian authors.
+#include <getopt.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cinttypes>
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "job_text.h"
+#include "jobstream/stream_reader.h"
+#include "panel_png.h"
+#include "tool_file.h"
+#include "util/safe_file.h"
+
+// Exit statuses.
+constexpr int DUMP_COMPLETE = 0;   // a complete, well-formed job
+constexpr int DUMP_MALFORMED = 1;  // a violation was found
+constexpr int DUMP_FAILED = 2;     // bad arguments, unreadable input, unwritable PNG
+constexpr int DUMP_CUT = 3;        // well-formed but stops before ICMD_ENDJOB
+
+// Largest stream read.
+constexpr size_t DUMP_MAX_STREAM_BYTES = 1024u * 1024u * 1024u;
+
+static const char USAGE[] =
+    "Usage: brellian-jobdump [options] [FILE]\n"
+    "Check a job command stream (FILE, or standard input when FILE is missing or \"-\"),\n"
+    "print one line per record with its offset and decoded fields, and end with a verdict:\n"
+    "  OK: ...                  a complete job\n"
+    "  CUT: ...                 well-formed but stops before ICMD_ENDJOB (a cancelled job)\n"
+    "  ERROR at offset N: ...   the first violation; nothing after it is read\n"
+    "Options:\n"
+    "  -p, --png DIR   write every panel as a PNG into DIR (created if missing), named\n"
+    "                  side<S>-panel<I>-<color|k|uv|po>.png; colour panels as RGB,\n"
+    "                  one-byte panels as grey 255 - value (applied dots show dark)\n"
+    "  -c, --chunks    list every ICMD_IMAGE record instead of one summary per image\n"
+    "  -q, --quiet     print only the verdict\n"
+    "  -h, --help      show this text\n"
+    "Exit status: 0 complete, 1 malformed, 2 usage or input/output failure, 3 cut short.\n";
+
+static const struct option LONG_OPTIONS[] = {
+    {"png", required_argument, nullptr, 'p'}, {"chunks", no_argument, nullptr, 'c'},
+    {"quiet", no_argument, nullptr, 'q'},     {"help", no_argument, nullptr, 'h'},
+    {nullptr, 0, nullptr, 0},
+};
+
+// 'Dump_ReadInput()' - The whole stream from path, or standard input for
+// "" and "-".  False with a message on standard error.
+static bool Dump_ReadInput(const std::string& path, std::string* bytes) {
+  errno = 0;
+  bool ok = path.empty() || path == "-" ? Tool_ReadAll(stdin, DUMP_MAX_STREAM_BYTES, bytes)
+                                        : File_ReadCapped(path.c_str(), DUMP_MAX_STREAM_BYTES, bytes) == 0;
+  if (!ok)
+    fprintf(stderr, "brellian-jobdump: cannot read %s: %s\n", path.empty() || path == "-" ? "standard input" : path.c_str(),
+            errno == EFBIG ? "more than 1 GiB" : strerror(errno));
+  return ok;
+}
+
+// 'Dump_WritePanels()' - Write every panel that holds rows into dir and
+// list the files.  False when one cannot be written.
+static bool Dump_WritePanels(const std::string& dir, const TStreamCheck& check, bool quiet) {
+  struct stat st;
+  if (mkdir(dir.c_str(), 0755) != 0 && errno != EEXIST) {
+    fprintf(stderr, "brellian-jobdump: cannot create %s: %s\n", dir.c_str(), strerror(errno));
+    return false;
+  }
+  if (lstat(dir.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) {
+    fprintf(stderr, "brellian-jobdump: %s is not a directory\n", dir.c_str());
+    return false;
+  }
+  for (const TStreamPanel& panel : check.panels) {
+    if (panel.rows == 0) continue;
+    std::string path;
+    if (!Dump_WritePanelPng(dir, panel, &path)) {
+      fprintf(stderr, "brellian-jobdump: cannot write %s\n", path.c_str());
+      return false;
+    }
+    if (!quiet)
+      printf("wrote %s (%" PRIu32 " x %" PRIu32 "%s)\n", path.c_str(), panel.width, panel.rows,
+             panel.complete ? "" : ", cut short");
+  }
+  return true;
+}
+
+int main(int argc, char** argv) {
+  std::string pngDir;
+  bool eachChunk = false, quiet = false;
+  int c;
+  while ((c = getopt_long(argc, argv, "p:cqh", LONG_OPTIONS, nullptr)) != -1) {
+    switch (c) {
+      case 'p': pngDir = optarg; break;
+      case 'c': eachChunk = true; break;
+      case 'q': quiet = true; break;
+      case 'h': fputs(USAGE, stdout); return DUMP_COMPLETE;
+      default: fputs(USAGE, stderr); return DUMP_FAILED;
+    }
+  }
+  if (argc - optind > 1) {
+    fputs("brellian-jobdump: more than one FILE given\n", stderr);
+    fputs(USAGE, stderr);
+    return DUMP_FAILED;
+  }
+  std::string bytes;
+  if (!Dump_ReadInput(optind < argc ? argv[optind] : "", &bytes)) return DUMP_FAILED;
+
+  TStreamCheck check;
+  Stream_Read(bytes, &check);
+  if (!quiet)
+    for (const std::string& line : Dump_Listing(check, eachChunk)) puts(line.c_str());
+  std::string verdict = Dump_Verdict(check);
+  puts(verdict.c_str());
+  if (!check.ok) fprintf(stderr, "brellian-jobdump: %s\n", verdict.c_str());
+  fflush(stdout);
+  if (!pngDir.empty() && !Dump_WritePanels(pngDir, check, quiet)) return DUMP_FAILED;
+  if (!check.ok) return DUMP_MALFORMED;
+  return check.complete ? DUMP_COMPLETE : DUMP_CUT;
+}

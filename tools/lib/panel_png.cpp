@@ -1,0 +1,26 @@
+// Panels of a job command stream as PNG images.
+// Copyright 2026 The rastertobrellian authors.
+#include "panel_png.h"
+
+#include "job_text.h"
+#include "png_io.h"
+
+std::string Dump_PanelFileName(const TStreamPanel& panel) {
+  return "side" + std::to_string(panel.side) + "-panel" + std::to_string(panel.index) + "-" +
+         Dump_PanelTypeName(panel.panelType) + ".png";
+}
+
+std::vector<uint8_t> Dump_PanelImage(const TStreamPanel& panel) {
+  std::vector<uint8_t> image(panel.pixels);
+  if (panel.bytesPerPixel == 1)
+    for (uint8_t& b : image) b = static_cast<uint8_t>(255 - b);
+  return image;
+}
+
+bool Dump_WritePanelPng(const std::string& dir, const TStreamPanel& panel, std::string* path) {
+  *path = dir + "/" + Dump_PanelFileName(panel);
+  if (panel.rows == 0 || panel.width == 0) return false;
+  std::vector<uint8_t> image = Dump_PanelImage(panel);
+  if (panel.bytesPerPixel == 3) return Png_WriteRGB(*path, panel.width, panel.rows, image.data());
+  return Png_WriteGray(*path, panel.width, panel.rows, image.data());
+}
