@@ -13,6 +13,12 @@ constexpr int32_t SETTINGS_FILE_AREAS = 3;    // areas kept in the file
 constexpr int32_t SETTINGS_NAMES = 5;
 constexpr int32_t SETTINGS_FLAGS = 10;
 constexpr uint32_t SETTINGS_VERSION = 0x00010002;
+// Reading limits: a larger file is not read at all; a longer entry is left
+// empty.  Real files are a few kilobytes with entries of a few dozen bytes.
+constexpr size_t SETTINGS_FILE_MAX = 1024 * 1024;
+constexpr uint32_t SETTINGS_STRING_MAX = 4096;
+// Longest model name or serial number that names a settings file.
+constexpr size_t SETTINGS_NAME_MAX = 64;
 
 class TBrellianSettings {
  public:
@@ -29,7 +35,9 @@ class TBrellianSettings {
   std::string FilePath() const;
 
   // 'LoadFromBytes()'/'SaveToBytes()' - The file format on a memory image,
-  // used by Load and Save and by tests and tools.
+  // used by Load and Save and by tests and tools.  LoadFromBytes resets
+  // everything but the two names and never reads outside the image; what
+  // the image can't supply is left empty (numbers -1).
   void LoadFromBytes(const uint8_t* data, size_t size);
   std::string SaveToBytes() const;
 

@@ -1,0 +1,98 @@
+// TOptionSource: PPD access through libcups.
+// Copyright 2026 The rastertobrellian authors.
+//
+// The PPD interface of libcups is deprecated in favour of IPP Everywhere but
+// is the interface the spooler's PPD-based queues use; its warnings are
+// silenced here and only here.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+#include "options/option_source.h"
+
+#include <cstdio>
+#include <strings.h>
+
+#include <cups/cups.h>
+#include <cups/ppd.h>
+
+#include "log/log.h"
+
+namespace {
+
+ppd_file_t* Ppd(void* p) { return static_cast<ppd_file_t*>(p); }
+
+// 'Source_CustomText()' - The value of a custom option's parameter "Text"
+// (else its first parameter) as text: strings as given, numbers printed.
+std::string Source_CustomText(ppd_file_t* ppd, const char* keyword) {
+  ppd_coption_t* coption = ppdFindCustomOption(ppd, keyword);
+  if (!coption) return std::string();
+  ppd_cparam_t* param = ppdFindCustomParam(coption, "Text");
+  if (!param) param = ppdFirstCustomParam(coption);
+  if (!param) return std::string();
+  char number[64];
+  switch (param->type) {
+    case PPD_CUSTOM_STRING:
+    case PPD_CUSTOM_PASSWORD:
+    case PPD_CUSTOM_PASSCODE:
+      return param->current.custom_string ? param->current.custom_string : "";
+    case PPD_CUSTOM_INT:
+      snprintf(number, sizeof number, "%d", param->current.custom_int);
+      return number;
+    case PPD_CUSTOM_POINTS:
+      snprintf(number, sizeof number, "%g", static_cast<double>(param->current.custom_points));
+      return number;
+    case PPD_CUSTOM_REAL:
+      snprintf(number, sizeof number, "%g", static_cast<double>(param->current.custom_real));
+      return number;
+    default:
+      return std::string();
+  }
+}
+
+}  // namespace
+
+TOptionSource::~TOptionSource() { Close(); }
+
+bool TOptionSource::Open(const char* path) {
+  Close();
+  if (!path || !*path) return false;
+  ppd_ = ppdOpenFile(path);
+  return ppd_ != nullptr;
+}
+
+// 'MarkOptions()' - cupsParseOptions, ppdMarkDefaults, cupsMarkOptions, then
+// the trace of the command line options in the order given.
+void TOptionSource::MarkOptions(const char* options) {
+  if (!ppd_) return;
+  cups_option_t* parsed = nullptr;
+  int count = cupsParseOptions(options ? options : "", 0, &parsed);
+  ppdMarkDefaults(Ppd(ppd_));
+  cupsMarkOptions(Ppd(ppd_), count, parsed);
+  Log_Write(LOG_LOG, "Command line PPD options");
+  if (count == 0) Log_Write(LOG_LOG, "  NONE");
+  for (int i = 0; i < count; ++i) Log_Write(LOG_LOG, "  %s::[%s]", parsed[i].name, parsed[i].value);
+  cupsFreeOptions(count, parsed);
+}
+
+bool TOptionSource::Choice(const char* keyword, std::string* text, bool* custom) const {
+  text->clear();
+  if (custom) *custom = false;
+  if (!ppd_ || !keyword) return false;
+  ppd_choice_t* choice = ppdFindMarkedChoice(Ppd(ppd_), keyword);
+  if (!choice) return false;
+  if (strcasecmp(choice->choice, "Custom") == 0 && ppdFindCustomOption(Ppd(ppd_), keyword)) {
+    *text = "Custom." + Source_CustomText(Ppd(ppd_), keyword);
+    if (custom) *custom = true;
+  } else {
+    *text = choice->choice;
+  }
+  return true;
+}
+
+int32_t TOptionSource::ModelNumber() const { return ppd_ ? Ppd(ppd_)->model_number : 0; }
+
+void TOptionSource::Close() {
+  if (ppd_) ppdClose(Ppd(ppd_));
+  ppd_ = nullptr;
+}
+
+#pragma GCC diagnostic pop

@@ -1,0 +1,39 @@
+// TOptionSource: the queue's PPD with the job's options marked in it.
+// Copyright 2026 The rastertobrellian authors.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+// The only interface to the PPD; the libcups types stay inside
+// option_source.cpp.
+class TOptionSource {
+ public:
+  TOptionSource() = default;
+  ~TOptionSource();
+  TOptionSource(const TOptionSource&) = delete;
+  TOptionSource& operator=(const TOptionSource&) = delete;
+
+  // 'Open()' - Open the PPD file at path; false when it can't be read.
+  bool Open(const char* path);
+  bool IsOpen() const { return ppd_ != nullptr; }
+
+  // 'MarkOptions()' - Parse the job's option string, mark the PPD's
+  // defaults, then the job's options, and log the options as parsed.
+  void MarkOptions(const char* options);
+
+  // 'Choice()' - The marked choice of keyword: its name as written in the
+  // PPD, or, when the "Custom" choice of a custom text option is marked,
+  // "Custom." followed by the custom text (*custom then true).  False when
+  // the keyword has no marked choice or no PPD is open.
+  bool Choice(const char* keyword, std::string* text, bool* custom) const;
+
+  // 'ModelNumber()' - The PPD's *cupsModelNumber (0 when absent).
+  int32_t ModelNumber() const;
+
+  // 'Close()' - Close the PPD; safe to call more than once.
+  void Close();
+
+ private:
+  void* ppd_ = nullptr;   // ppd_file_t
+};

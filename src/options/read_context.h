@@ -1,0 +1,63 @@
+// Shared state and helpers of the option reader's steps.
+// Copyright 2026 The rastertobrellian authors.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "options/settings.h"
+
+class TPrintingTask;
+class TOptionSource;
+
+// What every step of Job_ReadOptions works on.
+struct TOptionContext {
+  TPrintingTask* task;
+  TBrellianSettings settings;
+  const TOptionSource* ppd;   // null when no PPD could be opened
+};
+
+// A recognised choice text and the code it gives.
+struct TChoiceCode {
+  const char* text;
+  int32_t code;
+};
+
+// 'Opt_Choice()' - The marked choice of keyword, traced as "  kw::[text]"
+// ("NULL" for an empty text), or "  kw::OPT::[NULL]" and false when the
+// keyword has no marked choice.  custom (may be null) tells whether the
+// text is a custom value ("Custom." and the text).
+bool Opt_Choice(const TOptionContext* ctx, const char* keyword, std::string* text,
+                bool* custom = nullptr);
+
+// 'Opt_Lookup()' - The code of text (any case) in table, else fallback.
+int32_t Opt_Lookup(const TChoiceCode* table, size_t count, const std::string& text,
+                   int32_t fallback);
+
+// 'Opt_ReadCode()' - Opt_Choice, then Opt_Lookup; fallback for a keyword
+// without a marked choice.
+int32_t Opt_ReadCode(const TOptionContext* ctx, const char* keyword, const TChoiceCode* table,
+                     size_t count, int32_t fallback);
+
+template <size_t N>
+int32_t Opt_ReadCode(const TOptionContext* ctx, const char* keyword, const TChoiceCode (&table)[N],
+                     int32_t fallback) {
+  return Opt_ReadCode(ctx, keyword, table, N, fallback);
+}
+
+// 'Opt_Resolution()' - Dots per inch of the task's model, for area strings.
+uint32_t Opt_Resolution(const TOptionContext* ctx);
+
+// The steps, in the order Job_ReadOptions calls them.
+void Opt_ReadInstalled(TOptionContext* ctx);      // ribbon, accessories, model
+void Opt_ReadCardThickness(TOptionContext* ctx);
+void Opt_ReadSides(TOptionContext* ctx);          // ribbon, resin, UV, UVMAC, PO, laminate
+void Opt_ReadLookupTables(TOptionContext* ctx);
+void Opt_ReadYesNo(TOptionContext* ctx);          // secure erase, rotation, card flips
+void Opt_ReadAreas(TOptionContext* ctx);          // resin and overlay areas
+void Opt_ReadMagPOMode(TOptionContext* ctx);
+void Opt_ReadMagTracks(TOptionContext* ctx);
+void Opt_ReadPlugin(TOptionContext* ctx);
+void Opt_ReadPrinterName(TOptionContext* ctx);
+void Opt_ReadCardEject(TOptionContext* ctx);

@@ -1,0 +1,55 @@
+// Option reader: colour lookup tables of the two sides.
+// Copyright 2026 The rastertobrellian authors.
+#include <cstring>
+
+#include "brellian_paths.h"
+#include "driver/printing_task.h"
+#include "log/log.h"
+#include "options/lut_file.h"
+#include "options/read_context.h"
+#include "util/safe_file.h"
+
+namespace {
+
+const TChoiceCode kLUTs[] = {{"Firmware", 0}, {"LUT1", 1}, {"LUT2", 2}, {"LUT3", 3}};
+
+// 'Opt_IdentityLUT()' - Entry i holds i in all three arrays of the side.
+void Opt_IdentityLUT(uint8_t table[3][256]) {
+  for (int c = 0; c < 3; ++c)
+    for (int i = 0; i < 256; ++i) table[c][i] = static_cast<uint8_t>(i);
+}
+
+// 'Opt_ReadSideLUT()' - keyword's table code for one side, its file loaded
+// into table.  A missing file (or a settings name that is not a plain file
+// name) and an unusable file both fall back to "Firmware" (0) with the
+// identity table.
+int32_t Opt_ReadSideLUT(const TOptionContext* ctx, const char* keyword, uint8_t table[3][256]) {
+  int32_t code = Opt_ReadCode(ctx, keyword, kLUTs, 0);
+  if (code < 1) return code;
+  const std::string& name = ctx->settings.lutNames[code - 1];
+  std::string path = std::string(BRELLIAN_LUT_DIR) + "/" + name + ".csv";
+  TLutError error{0, ""};
+  int32_t rc = File_IsSafeName(name.c_str()) ? Lut_Load(path.c_str(), table, &error) : -1;
+  if (rc == -1) {
+    Log_Write(LOG_ERROR, "  LUT Table not found: (%s)", path.c_str());
+    return 0;
+  }
+  if (rc != 0) {
+    Log_Write(LOG_ERROR, "  LUT Table not usable: (%s)(line %d: %s)", path.c_str(),
+              static_cast<int>(error.line), error.reason);
+    Opt_IdentityLUT(table);
+    return 0;
+  }
+  return code;
+}
+
+}  // namespace
+
+// 'Opt_ReadLookupTables()' - Front, then back; the 1030 has no back table,
+// so its keyword is neither read nor traced there.
+void Opt_ReadLookupTables(TOptionContext* ctx) {
+  TPrintingTask* task = ctx->task;
+  task->frontLUTTable = Opt_ReadSideLUT(ctx, "frontLUTTable", task->lutTable[SIDE_FRONT]);
+  if (task->printerModel != 1030)
+    task->backLUTTable = Opt_ReadSideLUT(ctx, "backLUTTable", task->lutTable[SIDE_BACK]);
+}
