@@ -31,9 +31,21 @@ void Panel_BuildTables();
 // 'Panel_Geometry()' - Panel size of the task's printerModel.
 TPanelGeometry Panel_Geometry(const TPrintingTask* task);
 
+// Caps on a raster page header before its buffer is allocated: the raster
+// library checks headers very little, so the size is computed in 64 bits
+// and a page beyond any cap is treated as out of memory.
+constexpr uint64_t PAGE_MAX_LINE_BYTES = 16u * 1024u * 1024u;   // 16 MiB per line
+constexpr uint64_t PAGE_MAX_ROWS = 0xFFFFFFu;                    // rows per page
+constexpr uint64_t PAGE_MAX_BYTES = 256u * 1024u * 1024u;       // 256 MiB per page
+
+// 'CUPS_PageBytes()' - cupsBytesPerLine x cupsHeight in 64 bits into
+// *bytes; false when the page exceeds a cap.
+bool CUPS_PageBytes(const cups_page_header2_t* header, uint64_t* bytes);
+
 // 'CUPS_AllocPage()' - Allocate the task's zero-filled pageBuffer for the
-// page described by header.  Returns 0; on failure writes "ERROR: Unable to
-// allocate memory!" and ends the process with status 1.
+// page described by header (a page of 0 bytes still gets a valid block).
+// Returns 0; when the page exceeds a cap or the allocation fails it writes
+// "ERROR: Unable to allocate memory!" and ends the process with status 1.
 int32_t CUPS_AllocPage(TPrintingTask* task, const cups_page_header2_t* header);
 
 // 'Image_Rotate180()' - Turn a width x height image of elementSize-byte
@@ -55,6 +67,7 @@ uint8_t Image_Luminance(uint8_t r, uint8_t g, uint8_t b);
 int32_t Image_ToGrayInPlace(TPrintingTask* task, uint8_t* rgb);
 
 // 'Image_ToGrayPlane()' - Allocate a W x H plane into *out and fill it with
-// the luminance of the W x H x 3 panel.  Returns 0; *out is null when the
-// plane could not be allocated.  The caller frees *out.
+// the luminance of the W x H x 3 panel.  Returns 0; *out is null when rgb
+// is null or the plane could not be allocated (the caller then skips the
+// panel).  The caller frees *out.
 int32_t Image_ToGrayPlane(TPrintingTask* task, const uint8_t* rgb, uint8_t** out);
