@@ -1,11 +1,133 @@
-// TPrintingTask::run (not yet implemented).
+// TPrintingTask::run: the page loop from raster input to the job footer.
 // Copyright 2026 The rastertobrellian authors.
-#include "driver/globals.h"
-#include "driver/printing_task.h"
-#include "log/log.h"
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <unistd.h>
 
+#include <cups/raster.h>
+
+#include "driver/dumps.h"
+#include "driver/globals.h"
+#include "driver/lifecycle.h"
+#include "driver/printing_task.h"
+#include "imaging/page_process.h"
+#include "imaging/panel.h"
+#include "jobstream/framing.h"
+#include "log/log.h"
+#include "options/read_options.h"
+#include "util/safe_file.h"
+#include "util/sys.h"
+
+namespace {
+
+// Rows between two progress lines.
+constexpr uint32_t PROGRESS_ROWS = 128;
+// Pause after the raster file could not be opened.
+constexpr uint32_t OPEN_FAILURE_PAUSE_MS = 1000;
+
+// 'Loop_Arg()' - Argument i, or null when the command line is shorter.
+const char* Loop_Arg(const TPrintingTask* task, int32_t i) {
+  return (task->argv && i < task->argc) ? task->argv[i] : nullptr;
+}
+
+// 'Loop_ReadRows()' - Read the rows of one page into the page buffer, with a
+// progress line every 128 rows.  Stops early when a read delivers nothing
+// or a cancel arrives (checked after every row).
+void Loop_ReadRows(TPrintingTask* task, cups_raster_t* raster, const cups_page_header2_t& header,
+                   int32_t page) {
+  uint32_t height = header.cupsHeight;
+  uint32_t lineBytes = header.cupsBytesPerLine;
+  if (height == 0 || g_cancelJob || !task->pageBuffer) return;
+  for (uint32_t row = 0; row < height; ++row) {
+    if (row % PROGRESS_ROWS == 0) {
+      uint64_t percent = static_cast<uint64_t>(row) * 100u / height;
+      fprintf(stderr, "INFO: Printing page %d, %d%% complete...\n", page,
+              static_cast<int>(percent));
+    }
+    uint8_t* line = task->pageBuffer + static_cast<size_t>(row) * lineBytes;
+    if (cupsRasterReadPixels(raster, line, lineBytes) == 0) break;
+    if (g_cancelJob) break;
+  }
+}
+
+// 'Loop_EndJob()' - Close what page processing left open and write the
+// footer; a cancel arriving meanwhile stops the stream where it is.
+void Loop_EndJob(TPrintingTask* task) {
+  bool sideEnded = false;
+  if (task->sideOpen) {
+    Job_EndSide(task);
+    sideEnded = true;
+  }
+  if (sideEnded && g_cancelJob) return;
+  if (task->cardOpen) {
+    Job_EndCard(task);
+    if (!g_cancelJob) Job_ProcessFooter(task);
+  } else {
+    Job_ProcessFooter(task);
+  }
+}
+
+}  // namespace
+
+// 'TPrintingTask::run()' - Read every raster page, hand each to page
+// processing, close the job and leave the result in g_exitStatus.
 void TPrintingTask::run() {
   Log_Write(LOG_ENTRYEXIT, ">>>> TPrintingTask::run");
-  g_exitStatus = 1;
-  Log_Write(LOG_ENTRYEXIT, "<<<< TPrintingTask::run[[%d]", 1);
+  Job_DumpEnvironment(this);
+
+  // Input: the named file (a regular file only, never through a symbolic
+  // link), else standard input.
+  int fd = 0;
+  if (argc == 7) {
+    fd = File_OpenRegular(Loop_Arg(this, 6), O_RDONLY);
+    if (fd < 0) {
+      g_exitStatus = 1;
+      perror("ERROR: Unable to open raster file - ");
+      Log_Write(LOG_ENTRYEXIT, "<<<< TPrintingTask::run[cannot open raster file]");
+      Sys_SleepMs(OPEN_FAILURE_PAUSE_MS);
+      return;
+    }
+  }
+
+  Proc_InstallCancelHandler();
+  // Empty or unknown input gives no stream: the job then has no pages.
+  cups_raster_t* raster = cupsRasterOpen(fd, CUPS_RASTER_READ);
+
+  Job_ReadOptions(this, Loop_Arg(this, 5), Loop_Arg(this, 4));
+  Job_ProcessHeader(this, Loop_Arg(this, 1), Loop_Arg(this, 3));
+
+  int32_t page = 0;
+  bool cancelled = g_cancelJob != 0;
+  cups_page_header2_t header;
+  while (!cancelled && raster && cupsRasterReadHeader2(raster, &header)) {
+    Page_DumpHeader(this, &header);
+    duplex = header.Duplex ? 1 : 0;
+    tumble = header.Tumble ? 1 : 0;
+    ++page;
+    CUPS_AllocPage(this, &header);
+    ++pageCount;
+    fprintf(stderr, "PAGE: %d %d\n", page, static_cast<int>(header.NumCopies));
+    Loop_ReadRows(this, raster, header, page);
+    if (!g_cancelJob && !jobComplete) Page_Process(this, &header);
+    free(pageBuffer);
+    pageBuffer = nullptr;
+    pageHeader = nullptr;
+    if (g_cancelJob) cancelled = true;
+  }
+
+  if (!cancelled && !g_cancelJob) Loop_EndJob(this);
+
+  if (raster) cupsRasterClose(raster);
+  if (fd != 0) close(fd);
+
+  if (page == 0) {
+    fputs("ERROR: No pages found!\n", stderr);
+    g_exitStatus = 1;
+    Log_Write(LOG_ENTRYEXIT, "<<<< TPrintingTask::run[[%d]", 1);
+  } else {
+    fputs("INFO: Ready to print.\n", stderr);
+    g_exitStatus = 0;
+    Log_Write(LOG_ENTRYEXIT, "<<<< TPrintingTask::run[[%d]", 0);
+  }
 }
