@@ -242,3 +242,31 @@ TEST(PageLoop, DumpsAppearInTheLog) {
   EXPECT_TRUE(Test_Contains(log, "      CUPS Integer:          1. [5]"));
   EXPECT_TRUE(Test_Contains(log, "      CUPS Width:               [8]"));
 }
+
+TEST(PageLoop, DuplexJobOfEightPagesMakesAtMostOneCardAndCountsEveryPage) {
+  // One card per job: whatever page processing makes of the first pages,
+  // nothing but ICMD_ENDJOB may follow the card's ICMD_ENDCARD, and every
+  // page still gets its PAGE line.
+  TRasterPage page = Raster_MakeRGBPage(64, 40, 300, 200, 100, 50);
+  page.header.Duplex = CUPS_TRUE;
+  TProcessOptions o;
+  o.input = Stream(std::vector<TRasterPage>(8, page));
+  TProcessResult r = Test_RunFilter(kArgs, o);
+  EXPECT_EQ(0, r.status);
+  for (int p = 1; p <= 8; ++p)
+    EXPECT_NE(std::string::npos, r.err.find("PAGE: " + std::to_string(p) + " 1\n")) << p;
+  std::vector<uint16_t> t = Types(r.out);
+  ASSERT_GE(t.size(), 2u);
+  EXPECT_EQ(ICMD_STARTJOB, t.front());
+  EXPECT_EQ(ICMD_ENDJOB, t.back());
+  size_t cards = 0, endCards = 0, lastEndCard = 0;
+  for (size_t i = 0; i < t.size(); ++i) {
+    if (t[i] == ICMD_STARTCARD) ++cards;
+    if (t[i] == ICMD_ENDCARD) ++endCards, lastEndCard = i;
+  }
+  EXPECT_LE(cards, 1u);
+  EXPECT_EQ(cards, endCards);
+  if (endCards) {
+    EXPECT_EQ(t.size() - 2, lastEndCard);
+  }
+}
