@@ -38,8 +38,11 @@ class ReadOptionsTest : public ::testing::Test {
     unsetenv("PRINTER");
   }
 
-  // 'Run()' - Job_ReadOptions at level EntryExit; returns its log lines.
+  // 'Run()' - Job_ReadOptions on a new task at level EntryExit, as the
+  // filter calls it once per task; returns its log lines.
   std::vector<std::string> Run(const char* options, const char* copies = "1") {
+    delete task_;
+    task_ = new TPrintingTask(6, args_);
     Log_SetOutputMask(LOG_OUT_STDERR);
     Log_SetLevel(LOG_ENTRYEXIT);
     Log_SetDepth(0);
@@ -63,16 +66,21 @@ class ReadOptionsTest : public ::testing::Test {
   bool LoggedError(const std::string& message) const {
     return Test_Contains(lines_, Err(message));
   }
-  // 'Position()' - Index of the line in the last run, -1 when absent.
+  // 'Position()' - Index of the last such line in the last run (the
+  // reader's own line comes after the command line trace), -1 when absent.
   int Position(const std::string& message) const {
-    for (size_t i = 0; i < lines_.size(); ++i)
+    for (size_t i = lines_.size(); i-- > 0;)
       if (lines_[i] == In(message)) return static_cast<int>(i);
     return -1;
   }
-  // 'Mentions()' - True when any line of the last run holds text.
-  bool Mentions(const std::string& text) const {
-    for (const std::string& l : lines_)
-      if (l.find(text) != std::string::npos) return true;
+  // 'Mentions()' - True when a line of the last run holds text; with
+  // afterMarking only lines after "Marked PPD options" count.
+  bool Mentions(const std::string& text, bool afterMarking = false) const {
+    bool counting = !afterMarking;
+    for (const std::string& l : lines_) {
+      if (l == In("Marked PPD options")) counting = true;
+      if (counting && l.find(text) != std::string::npos) return true;
+    }
     return false;
   }
 
