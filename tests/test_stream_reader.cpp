@@ -172,3 +172,29 @@ TEST(StreamReader, AnEmptyStreamIsCutWithNothingOpen) {
   EXPECT_TRUE(c.records.empty());
   EXPECT_EQ("nothing (empty stream)", c.openLevel);
 }
+
+TEST(StreamReader, AChangedByteIsNeverBlamedOnAnEarlierRecord) {
+  std::vector<uint8_t> color, black;
+  const std::string good = SimplexJob(&color, &black).bytes;
+  TStreamCheck full;
+  ASSERT_EQ(0, Stream_Read(good, &full));
+  size_t record = 0, rejected = 0;
+  for (size_t at = 0; at < good.size(); ++at) {
+    while (record + 1 < full.records.size() && full.records[record + 1].offset <= at) ++record;
+    const uint8_t b = static_cast<uint8_t>(good[at]);
+    for (uint8_t v : {uint8_t(0), uint8_t(0xFF), static_cast<uint8_t>(b ^ 1)}) {
+      if (v == b) continue;
+      std::string bad = good;
+      bad[at] = static_cast<char>(v);
+      TStreamCheck c;
+      int32_t rc = Stream_Read(bad, &c);
+      ASSERT_EQ(rc == 0, c.ok);
+      if (rc == 0) continue;
+      ++rejected;
+      EXPECT_GE(c.errorOffset, full.records[record].offset) << "byte " << at;
+      EXPECT_LT(c.errorOffset, good.size()) << "byte " << at;
+      EXPECT_FALSE(c.error.empty());
+    }
+  }
+  EXPECT_GT(rejected, 100u);
+}
