@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "driver/lifecycle.h"
+#include "raster_writer.h"
 #include "support/process.h"
 
 namespace {
@@ -160,10 +161,50 @@ TEST_F(EntryPoint, SevenArgumentsRunTheTaskOnTheNamedFile) {
   TProcessResult r = Test_RunFilter({"1", "u", "t", "1", "", missing});
   EXPECT_EQ(1, r.status);
   EXPECT_EQ("", r.out);
+  EXPECT_EQ(0u, r.err.find("ERROR: Unable to open raster file - ")) << r.err;
   EXPECT_EQ(std::string::npos, r.err.find("job-id user title"));
   std::vector<std::string> log = Test_LogMessages();
   ASSERT_FALSE(log.empty());
   EXPECT_EQ(EntryLine(7, "0018"), log[0]);
   EXPECT_TRUE(Test_Contains(log, " ARG6: " + missing));
   EXPECT_EQ(" ~TPrintingTask --> gracefull exit.", log.back());
+}
+
+namespace {
+
+// 'OnePageRaster()' - A raster stream of one small white RGB page.
+std::string OnePageRaster() {
+  std::string stream;
+  EXPECT_TRUE(Raster_WriteStream({Raster_MakeRGBPage(64, 40, 300, 255, 255, 255)}, false, &stream));
+  return stream;
+}
+
+// 'ExpectPrinted()' - One page read and the job ended as printed.
+void ExpectPrinted(const TProcessResult& r) {
+  EXPECT_EQ(0, r.status) << r.err;
+  EXPECT_NE(std::string::npos, r.err.find("PAGE: 1 1\n")) << r.err;
+  EXPECT_EQ(std::string::npos, r.err.find("job-id user title")) << r.err;
+  const std::string ready = "INFO: Ready to print.\n";
+  ASSERT_GE(r.err.size(), ready.size()) << r.err;
+  EXPECT_EQ(ready, r.err.substr(r.err.size() - ready.size()));
+  EXPECT_FALSE(r.out.empty());
+}
+
+}  // namespace
+
+TEST_F(EntryPoint, SixArgumentsReadTheRasterFromStandardInput) {
+  TProcessOptions options;
+  options.input = OnePageRaster();
+  ExpectPrinted(Test_RunFilter({"1", "u", "t", "1", ""}, options));
+}
+
+TEST_F(EntryPoint, SevenArgumentsReadTheNamedRasterFile) {
+  std::string path = Test_LogDir() + "/entry-point-page.ras";
+  Test_MakeDirs(Test_LogDir());
+  Test_WriteFile(path, OnePageRaster());
+  TProcessOptions options;
+  options.input = "not a raster stream";  // standard input is not read
+  TProcessResult r = Test_RunFilter({"1", "u", "t", "1", "", path}, options);
+  unlink(path.c_str());
+  ExpectPrinted(r);
 }
