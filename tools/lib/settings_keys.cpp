@@ -1,0 +1,197 @@
+// Named values of a settings file: the key table, checks and conversions.
+// Copyright 2026 The rastertobrellian authors.
+#include "settings_keys.h"
+
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <strings.h>
+
+#include "imaging/panel.h"
+#include "options/area.h"
+#include "util/safe_file.h"
+
+namespace {
+
+const char* const kResinGroups[2] = {"include", "exclude"};
+const char* const kPOGroups[2] = {"peel-off", "keep"};
+
+// Words of the two card-handling numbers; other numbers are written as such.
+struct TNumberWord {
+  const char* word;
+  int32_t value;
+};
+const TNumberWord kThicknessWords[] = {{"unset", -1}, {"standard", 0}, {"thin", 1}};
+const TNumberWord kMagPOWords[] = {{"unset", -1}, {"disabled", 0}, {"enabled", 1}};
+
+std::vector<TSettingsKey> Settings_BuildKeys() {
+  std::vector<TSettingsKey> keys;
+  for (TSettingsKind kind : {SETKEY_RESIN_AREA, SETKEY_PO_AREA})
+    for (int p = 0; p < SETTINGS_PRESETS; ++p)
+      for (int g = 0; g < SETTINGS_GROUPS; ++g)
+        for (int k = 0; k < SETTINGS_FILE_AREAS; ++k) keys.push_back({kind, p, g, k});
+  for (int n = 0; n < SETTINGS_NAMES; ++n) keys.push_back({SETKEY_LUT_NAME, 0, 0, n});
+  for (int n = 0; n < SETTINGS_NAMES; ++n) keys.push_back({SETKEY_UV_NAME, 0, 0, n});
+  for (int n = 0; n < SETTINGS_FLAGS; ++n) keys.push_back({SETKEY_FLAG, 0, 0, n});
+  keys.push_back({SETKEY_PLUGIN, 0, 0, 0});
+  keys.push_back({SETKEY_CARD_THICKNESS, 0, 0, 0});
+  keys.push_back({SETKEY_MAG_PO_MODE, 0, 0, 0});
+  return keys;
+}
+
+// 'Settings_StringField()' - The string a key names, or null for a number.
+std::string* Settings_StringField(TBrellianSettings* s, const TSettingsKey& key) {
+  switch (key.kind) {
+    case SETKEY_RESIN_AREA: return &s->resinAreas[key.preset][key.group][key.index];
+    case SETKEY_PO_AREA: return &s->poAreas[key.preset][key.group][key.index];
+    case SETKEY_LUT_NAME: return &s->lutNames[key.index];
+    case SETKEY_UV_NAME: return &s->uvNames[key.index];
+    case SETKEY_PLUGIN: return &s->plugin;
+    default: return nullptr;
+  }
+}
+
+// 'Settings_ParseInt()' - A whole decimal number (optional '-') within
+// [low, high]; false for anything else.
+bool Settings_ParseInt(const std::string& text, long low, long high, long* value) {
+  if (text.empty() || text.size() > 11) return false;
+  for (size_t i = 0; i < text.size(); ++i)
+    if (!(text[i] >= '0' && text[i] <= '9') && !(i == 0 && text[i] == '-' && text.size() > 1)) return false;
+  errno = 0;
+  long v = strtol(text.c_str(), nullptr, 10);
+  if (errno != 0 || v < low || v > high) return false;
+  *value = v;
+  return true;
+}
+
+// 'Settings_ParseWordNumber()' - One of the words (any case) or an int32.
+bool Settings_ParseWordNumber(const std::string& text, const TNumberWord (&words)[3], int32_t* value) {
+  for (const TNumberWord& w : words)
+    if (strcasecmp(text.c_str(), w.word) == 0) return *value = w.value, true;
+  long v;
+  if (!Settings_ParseInt(text, INT32_MIN, INT32_MAX, &v)) return false;
+  *value = static_cast<int32_t>(v);
+  return true;
+}
+
+std::string Settings_WordNumber(int32_t value, const TNumberWord (&words)[3]) {
+  for (const TNumberWord& w : words)
+    if (w.value == value) return w.word;
+  return std::to_string(value);
+}
+
+// 'Settings_HasControl()' - True when text holds a control character.
+bool Settings_HasControl(const std::string& text) {
+  for (unsigned char c : text)
+    if (c < 0x20 || c == 0x7F) return true;
+  return false;
+}
+
+// 'Settings_CheckString()' - Why value can't stand for key, or empty.
+std::string Settings_CheckString(const TSettingsKey& key, const std::string& value) {
+  if (value.empty()) return "";
+  if (value.size() >= SETTINGS_STRING_MAX) return "is longer than " + std::to_string(SETTINGS_STRING_MAX - 1) + " bytes";
+  switch (key.kind) {
+    case SETKEY_RESIN_AREA:
+    case SETKEY_PO_AREA: return Settings_CheckArea(value);
+    case SETKEY_LUT_NAME:
+    case SETKEY_UV_NAME:
+      if (!File_IsSafeName(value.c_str()))
+        return "is not a plain file name (no \"/\", no leading \".\", no control characters, at most 255 bytes)";
+      if (key.kind == SETKEY_LUT_NAME && value.size() >= 4 &&
+          strcasecmp(value.c_str() + value.size() - 4, ".csv") == 0)
+        return "ends in \".csv\": give the table's name without it (the filter adds \".csv\")";
+      return "";
+    default:
+      if (value.size() > SETTINGS_PLUGIN_MAX) return "is longer than 127 bytes";
+      if (Settings_HasControl(value)) return "holds a control character";
+      return "";
+  }
+}
+
+}  // namespace
+
+const std::vector<TSettingsKey>& Settings_AllKeys() {
+  static const std::vector<TSettingsKey> keys = Settings_BuildKeys();
+  return keys;
+}
+
+std::string Settings_KeyName(const TSettingsKey& key) {
+  char text[64];
+  switch (key.kind) {
+    case SETKEY_RESIN_AREA:
+      snprintf(text, sizeof text, "resin.%d.%s.%d", key.preset + 1, kResinGroups[key.group], key.index + 1);
+      return text;
+    case SETKEY_PO_AREA:
+      snprintf(text, sizeof text, "po.%d.%s.%d", key.preset + 1, kPOGroups[key.group], key.index + 1);
+      return text;
+    case SETKEY_LUT_NAME: return "lut." + std::to_string(key.index + 1);
+    case SETKEY_UV_NAME: return "uv." + std::to_string(key.index + 1);
+    case SETKEY_FLAG: return "flag." + std::to_string(key.index + 1);
+    case SETKEY_PLUGIN: return "plugin";
+    case SETKEY_CARD_THICKNESS: return "card-thickness";
+    case SETKEY_MAG_PO_MODE: return "mag-po-mode";
+  }
+  return "";
+}
+
+bool Settings_FindKey(const std::string& text, TSettingsKey* key) {
+  for (const TSettingsKey& k : Settings_AllKeys()) {
+    if (Settings_KeyName(k) == text) {
+      *key = k;
+      return true;
+    }
+  }
+  return false;
+}
+
+std::string Settings_GetValue(const TBrellianSettings& settings, const TSettingsKey& key) {
+  TBrellianSettings* s = const_cast<TBrellianSettings*>(&settings);
+  if (std::string* field = Settings_StringField(s, key)) return *field;
+  switch (key.kind) {
+    case SETKEY_FLAG: return std::to_string(settings.flags[key.index]);
+    case SETKEY_CARD_THICKNESS: return Settings_WordNumber(settings.cardThickness, kThicknessWords);
+    default: return Settings_WordNumber(settings.magPOMode, kMagPOWords);
+  }
+}
+
+bool Settings_SetValue(TBrellianSettings* settings, const TSettingsKey& key, const std::string& value,
+                       std::string* error) {
+  std::string why;
+  if (std::string* field = Settings_StringField(settings, key)) {
+    why = Settings_CheckString(key, value);
+    if (why.empty()) *field = value;
+  } else if (key.kind == SETKEY_FLAG) {
+    long v;
+    if (Settings_ParseInt(value, 0, 255, &v)) settings->flags[key.index] = static_cast<uint8_t>(v);
+    else why = "is not a number from 0 to 255";
+  } else {
+    bool thickness = key.kind == SETKEY_CARD_THICKNESS;
+    int32_t v;
+    if (!Settings_ParseWordNumber(value, thickness ? kThicknessWords : kMagPOWords, &v))
+      why = thickness ? "is not \"unset\", \"standard\", \"thin\" or a whole number"
+                      : "is not \"unset\", \"disabled\", \"enabled\" or a whole number";
+    else if (thickness) settings->cardThickness = v;
+    else settings->magPOMode = v;
+  }
+  if (why.empty()) return true;
+  if (error) *error = Settings_KeyName(key) + ": \"" + value + "\" " + why;
+  return false;
+}
+
+std::string Settings_CheckArea(const std::string& text) {
+  if (text.empty()) return "";
+  char tokens[4][AREA_TOKEN_MAX + 1];
+  if (Area_SplitValues(text.c_str(), tokens) != 4)
+    return "is not an area: it needs four values (left, top, width, height), each a number with a unit "
+           "px, mm, cm, in or \", e.g. \"5mm 5mm 50mm 30mm\"";
+  if (g_modelResolution.empty()) Panel_BuildTables();
+  for (const auto& model : g_modelResolution) {
+    TArea area;
+    Area_Parse(&area, text.c_str(), model.second);
+    if (Area_IsEmpty(&area))
+      return "is an empty area: all four values are 0 dots at " + std::to_string(model.second) + " dpi";
+  }
+  return "";
+}
