@@ -85,9 +85,11 @@ int32_t Image_CUPSToPrinterRGB(TPrintingTask* task, uint8_t** out) {
     return 1;
   }
   // bpp 3 means lineBytes >= 3 w.  The page buffer holds lineBytes x h
-  // bytes as a 32-bit product; a page whose size does not fit was never
-  // read whole, and is refused as memory that could not be had.
-  if ((h > 0 && !task->pageBuffer) || static_cast<uint64_t>(lineBytes) * h > UINT32_MAX) {
+  // bytes unless the page is beyond the caps of the page allocation (then
+  // it was never allocated); such a page, or a missing buffer, is refused
+  // as memory that could not be had.
+  uint64_t pageBytes = 0;
+  if (!CUPS_PageBytes(header, &pageBytes) || (pageBytes > 0 && !task->pageBuffer)) {
     Log_Write(LOG_LOG, "ERR: CUPSToPrinterRGB --> out of memory.");
     return 1;
   }
