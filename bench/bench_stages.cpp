@@ -1,0 +1,171 @@
+// Micro-benchmarks: every image stage beside its plain reference, 2072 x 1328.
+// Copyright 2026 The rastertobrellian authors.
+#include <benchmark/benchmark.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <random>
+#include <vector>
+
+#include "driver/printing_task.h"
+#include "imaging/stages.h"
+#include "reference/reference_stages.h"
+#include "status/tables.h"
+
+namespace {
+
+constexpr uint32_t W = 2072, H = 1328;
+constexpr size_t kDots = static_cast<size_t>(W) * H;
+
+// 'Bench_Bytes()' - n random bytes, the same for every run.
+std::vector<uint8_t> Bench_Bytes(size_t n, uint32_t seed) {
+  std::mt19937 rng(seed);
+  std::vector<uint8_t> v(n);
+  for (auto& b : v) b = static_cast<uint8_t>(rng() >> 24);
+  return v;
+}
+
+// 'Bench_Task()' - A task of the 600 dpi model.
+TPrintingTask* Bench_Task() {
+  static TPrintingTask* task = [] {
+    Status_BuildTables();
+    TPrintingTask* t = new TPrintingTask(0, nullptr);
+    t->printerModel = 1060;
+    return t;
+  }();
+  return task;
+}
+
+// A photograph-like image: smooth gradients with noise, so that the purity
+// test fails at once and the diffusion sees every level.
+const std::vector<uint8_t>& Bench_Photo() {
+  static std::vector<uint8_t> rgb = [] {
+    std::vector<uint8_t> v = Bench_Bytes(kDots * 3, 7);
+    for (size_t i = 0; i < kDots; ++i) {
+      uint32_t x = i % W, y = static_cast<uint32_t>(i / W);
+      for (int c = 0; c < 3; ++c) v[3 * i + c] = static_cast<uint8_t>((x / 9 + y / 6 + v[3 * i + c] / 8) & 255);
+    }
+    return v;
+  }();
+  return rgb;
+}
+
+// A pure black-and-white image: text-like bars on white.
+const std::vector<uint8_t>& Bench_Pure() {
+  static std::vector<uint8_t> rgb = [] {
+    std::vector<uint8_t> v(kDots * 3, 255);
+    for (size_t i = 0; i < kDots; ++i)
+      if (((i % W) / 5 + (i / W) / 11) % 4 == 0) memset(&v[3 * i], 0, 3);
+    return v;
+  }();
+  return rgb;
+}
+
+void Bench_Rate(benchmark::State& state, size_t perIteration) {
+  state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * perIteration));
+}
+
+// Resampling the 2022 x 1276 card page to 2072 x 1307 (the CR80 case).
+void BM_Resize_Reference(benchmark::State& state) {
+  std::vector<uint8_t> src = Bench_Bytes(static_cast<size_t>(2022) * 1276 * 3, 3);
+  for (auto _ : state) {
+    uint8_t* out = nullptr;
+    Ref_BSplineResize(src.data(), 2022, 1276, 2072, 1307, &out);
+    benchmark::DoNotOptimize(out);
+    free(out);
+  }
+  Bench_Rate(state, static_cast<size_t>(2072) * 1307);
+}
+void BM_Resize_Production(benchmark::State& state) {
+  std::vector<uint8_t> src = Bench_Bytes(static_cast<size_t>(2022) * 1276 * 3, 3);
+  for (auto _ : state) {
+    uint8_t* out = nullptr;
+    Image_BSplineResize(nullptr, src.data(), 2022, 1276, 2072, 1307, &out);
+    benchmark::DoNotOptimize(out);
+    free(out);
+  }
+  Bench_Rate(state, static_cast<size_t>(2072) * 1307);
+}
+
+// The whole conversion of a portrait 1276 x 2022 page (turn and resample).
+template <bool kReference>
+void BM_Convert(benchmark::State& state) {
+  TPrintingTask* task = Bench_Task();
+  cups_page_header2_t header;
+  memset(&header, 0, sizeof header);
+  header.cupsWidth = 1276;
+  header.cupsHeight = 2022;
+  header.cupsBytesPerLine = 1276 * 3;
+  header.cupsBitsPerColor = 8;
+  header.cupsColorSpace = CUPS_CSPACE_RGB;
+  std::vector<uint8_t> page = Bench_Bytes(static_cast<size_t>(1276) * 3 * 2022, 4);
+  task->pageHeader = &header;
+  task->pageBuffer = page.data();
+  for (auto _ : state) {
+    uint8_t* out = nullptr;
+    if (kReference) Ref_CUPSToPrinterRGB(task, &out);
+    else Image_CUPSToPrinterRGB(task, &out);
+    benchmark::DoNotOptimize(out);
+    free(out);
+  }
+  task->pageBuffer = nullptr;
+  task->pageHeader = nullptr;
+  Bench_Rate(state, kDots);
+}
+
+template <bool kReference>
+void BM_Bilevel(benchmark::State& state) {
+  const std::vector<uint8_t>& rgb = Bench_Photo();
+  for (auto _ : state) {
+    uint8_t* out = nullptr;
+    if (kReference) Ref_Bilevel(Bench_Task(), rgb.data(), &out, g_floydSteinbergKernel, 127);
+    else Image_Bilevel(Bench_Task(), rgb.data(), &out, g_floydSteinbergKernel, 127);
+    benchmark::DoNotOptimize(out);
+    free(out);
+  }
+  Bench_Rate(state, kDots);
+}
+
+template <bool kReference>
+void BM_HalftonePure(benchmark::State& state) {
+  const std::vector<uint8_t>& rgb = Bench_Pure();
+  for (auto _ : state) {
+    uint8_t* out = nullptr;
+    if (kReference) Ref_Halftone(Bench_Task(), rgb.data(), &out);
+    else Image_Halftone(Bench_Task(), rgb.data(), &out);
+    benchmark::DoNotOptimize(out);
+    free(out);
+  }
+  Bench_Rate(state, kDots);
+}
+
+template <bool kReference>
+void BM_Resin(benchmark::State& state) {
+  TPrintingTask* task = Bench_Task();
+  memset(task->resinAreas, 0, sizeof task->resinAreas);
+  task->resinAreas[0][0][0] = TArea{100, 100, 1800, 1000};
+  task->resinAreas[0][1][0] = TArea{400, 400, 200, 200};
+  task->resinFlag[0] = 90;
+  const std::vector<uint8_t>& rgb = Bench_Photo();
+  for (auto _ : state) {
+    uint8_t* out = nullptr;
+    if (kReference) Ref_StripToResin(task, rgb.data(), &out);
+    else Image_StripToResin(task, rgb.data(), &out);
+    benchmark::DoNotOptimize(out);
+    free(out);
+  }
+  Bench_Rate(state, kDots);
+}
+
+}  // namespace
+
+BENCHMARK(BM_Resize_Reference)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Resize_Production)->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_Convert, true)->Name("BM_ConvertPortrait_Reference")->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_Convert, false)->Name("BM_ConvertPortrait_Production")->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_Bilevel, true)->Name("BM_BilevelFS_Reference")->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_Bilevel, false)->Name("BM_BilevelFS_Production")->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_HalftonePure, true)->Name("BM_HalftonePure_Reference")->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_HalftonePure, false)->Name("BM_HalftonePure_Production")->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_Resin, true)->Name("BM_Resin_Reference")->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_Resin, false)->Name("BM_Resin_Production")->Unit(benchmark::kMillisecond);
