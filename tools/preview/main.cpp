@@ -1,0 +1,126 @@
+// brellian-preview: what a job will print, one composite picture per card side.
+// Copyright 2026 The rastertobrellian authors.
+#include <getopt.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "card_preview.h"
+#include "job_text.h"
+#include "jobstream/stream_reader.h"
+#include "panel_png.h"
+#include "png_io.h"
+#include "tool_file.h"
+#include "tool_model.h"
+#include "util/safe_file.h"
+
+// Exit statuses, as brellian-jobdump's.
+constexpr int PREVIEW_COMPLETE = 0;   // a complete, well-formed job
+constexpr int PREVIEW_MALFORMED = 1;  // a violation was found; what came before it is shown
+constexpr int PREVIEW_FAILED = 2;     // bad arguments, unreadable input, unwritable picture
+constexpr int PREVIEW_CUT = 3;        // well-formed but stops before ICMD_ENDJOB
+
+constexpr size_t PREVIEW_MAX_STREAM_BYTES = 1024u * 1024u * 1024u;
+
+static const char USAGE[] =
+    "Usage: brellian-preview [-o DIR] [--panels] [FILE]\n"
+    "\n"
+    "Read a job command stream (the filter's output) from FILE, or from standard input\n"
+    "when FILE is missing or \"-\", and write what each card side will look like as one\n"
+    "picture, DIR/side<S>-card.png (S 0 front, 1 back):\n"
+    "  1. the colour panel (RGB as sent) on a white card;\n"
+    "  2. the black (resin) panel over it: each channel c becomes\n"
+    "     (c x (255 - k) + 127) / 255 for black byte k;\n"
+    "  3. the UV panel as a violet tint: c becomes (c x (510 - u) + T x u + 255) / 510\n"
+    "     for UV byte u, T = (128, 0, 255);\n"
+    "  4. the overlay panel as a green outline (0, 160, 0): dots of byte 128 or more on\n"
+    "     the edge of their region or of the card.\n"
+    "The panels are shown as they are sent, after any rotation of the job.\n"
+    "\n"
+    "Options:\n"
+    "  -o, --output DIR  write the pictures into DIR (created if missing; default \".\")\n"
+    "  -p, --panels      also write every panel as brellian-jobdump --png does\n"
+    "  -q, --quiet       print nothing but errors\n"
+    "  -h, --help        show this text\n"
+    "\n"
+    "Example:\n"
+    "  rastertobrellian 1 user card 1 \"frontUV=Preset1\" page.ras > job.bin\n"
+    "  brellian-preview -o preview job.bin\n"
+    "\n"
+    "Exit status: 0 a complete job, 1 the stream breaks a rule (the sides read before\n"
+    "the fault are still written), 2 bad arguments or a file that cannot be read or\n"
+    "written, 3 the stream stops before its end (a cancelled job).\n";
+
+static int Preview_Fail(const std::string& message) {
+  fprintf(stderr, "brellian-preview: %s\n", message.c_str());
+  return PREVIEW_FAILED;
+}
+
+// 'Preview_Write()' - The composites (and with panels every panel) of check
+// into dir.  False on the first file that cannot be written.
+static bool Preview_Write(const std::string& dir, const TStreamCheck& check, bool panels, bool quiet) {
+  for (const TCardPreview& side : Preview_Compose(check)) {
+    for (const std::string& note : side.skipped)
+      fprintf(stderr, "brellian-preview: side %d: left out %s\n", static_cast<int>(side.side), note.c_str());
+    std::string path = dir + "/" + Preview_FileName(side.side);
+    if (!Png_WriteRGB(path, side.width, side.height, side.rgb.data())) {
+      Preview_Fail("cannot write " + path);
+      return false;
+    }
+    if (!quiet) printf("wrote %s (%u x %u)\n", path.c_str(), side.width, side.height);
+  }
+  for (const TStreamPanel& panel : check.panels) {
+    if (!panels || panel.rows == 0) continue;
+    std::string path;
+    if (!Dump_WritePanelPng(dir, panel, &path)) {
+      Preview_Fail("cannot write " + path);
+      return false;
+    }
+    if (!quiet) printf("wrote %s (%u x %u)\n", path.c_str(), panel.width, panel.rows);
+  }
+  return true;
+}
+
+int main(int argc, char** argv) {
+  Tool_Init();
+  static const struct option kOptions[] = {
+      {"output", required_argument, nullptr, 'o'}, {"panels", no_argument, nullptr, 'p'},
+      {"quiet", no_argument, nullptr, 'q'},        {"help", no_argument, nullptr, 'h'},
+      {nullptr, 0, nullptr, 0},
+  };
+  std::string dir = ".";
+  bool panels = false, quiet = false;
+  int c;
+  while ((c = getopt_long(argc, argv, "o:pqh", kOptions, nullptr)) != -1) {
+    switch (c) {
+      case 'o': dir = optarg; break;
+      case 'p': panels = true; break;
+      case 'q': quiet = true; break;
+      case 'h': fputs(USAGE, stdout); return PREVIEW_COMPLETE;
+      default: fputs(USAGE, stderr); return PREVIEW_FAILED;
+    }
+  }
+  if (argc - optind > 1) return Preview_Fail("more than one FILE given");
+  std::string path = optind < argc ? argv[optind] : "-";
+  std::string bytes;
+  errno = 0;
+  bool read = path == "-" ? Tool_ReadAll(stdin, PREVIEW_MAX_STREAM_BYTES, &bytes)
+                          : File_ReadCapped(path.c_str(), PREVIEW_MAX_STREAM_BYTES, &bytes) == 0;
+  if (!read) return Preview_Fail("cannot read " + (path == "-" ? std::string("standard input") : path) + ": " +
+                                 (errno == EFBIG ? "more than 1 GiB" : strerror(errno)));
+  struct stat st;
+  if (mkdir(dir.c_str(), 0755) != 0 && errno != EEXIST) return Preview_Fail("cannot create " + dir + ": " + strerror(errno));
+  if (lstat(dir.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) return Preview_Fail(dir + " is not a directory");
+
+  TStreamCheck check;
+  Stream_Read(bytes, &check);
+  std::string verdict = Dump_Verdict(check);
+  if (!check.ok) fprintf(stderr, "brellian-preview: %s\n", verdict.c_str());
+  else if (!quiet) puts(verdict.c_str());
+  if (!Preview_Write(dir, check, panels, quiet)) return PREVIEW_FAILED;
+  if (!check.ok) return PREVIEW_MALFORMED;
+  return check.complete ? PREVIEW_COMPLETE : PREVIEW_CUT;
+}
