@@ -203,3 +203,15 @@ TEST_F(SettingsTool, TheFilterReadsThePresetsTheToolWrote) {
   EXPECT_EQ("plugX", job.plugin);
   Test_RemoveTree(BRELLIAN_SETTINGS_DIR "/brellian_br-1060_presettool1.dat");
 }
+
+TEST(PresetToolsHelp, EveryToolPrintsAManualPageToStandardOutput) {
+  for (const char* tool : {"brellian-settings", "brellian-uvimage", "brellian-lut", "brellian-preview"}) {
+    TProcessResult r = Test_RunProcess({std::string(BRELLIAN_TOOLS_DIR "/") + tool, "--help"});
+    EXPECT_EQ(0, r.status) << tool;
+    EXPECT_EQ("", r.err) << tool;
+    for (const char* part : {"Usage: ", "Example", "Exit status: 0 "})
+      EXPECT_NE(std::string::npos, r.out.find(part)) << tool << ": " << part;
+    r = Test_RunProcess({std::string(BRELLIAN_TOOLS_DIR "/") + tool, "--no-such-option"});
+    EXPECT_EQ(2, r.status) << tool;
+  }
+}
