@@ -103,6 +103,11 @@ TEST(StreamReader, DecodesTheFixedRecords) {
   EXPECT_FALSE(Stream_DecodeStartSide(c.records[0], &side));  // wrong type
   EXPECT_STREQ("ICMD_LUTTABLE", Stream_RecordName(11));
   EXPECT_EQ(nullptr, Stream_RecordName(12));
+  EXPECT_EQ(405, Stream_PayloadLength(ICMD_STARTJOB));
+  EXPECT_EQ(0, Stream_PayloadLength(ICMD_ENDIMAGE));
+  EXPECT_EQ(768, Stream_PayloadLength(ICMD_LUTTABLE));
+  EXPECT_EQ(-1, Stream_PayloadLength(ICMD_IMAGE));
+  EXPECT_EQ(-2, Stream_PayloadLength(0));
 }
 
 TEST(StreamReader, AcceptsADuplexCardWithMagneticData) {

@@ -10,33 +10,6 @@
 
 namespace {
 
-// Record types: name and exact payload length (-1: ICMD_IMAGE, variable).
-struct TRecordKind {
-  uint16_t type;
-  const char* name;
-  int64_t payload;
-};
-
-const TRecordKind RECORD_KINDS[] = {
-    {ICMD_STARTJOB, "ICMD_STARTJOB", ICMD_STARTJOB_PAYLOAD},
-    {ICMD_ENDJOB, "ICMD_ENDJOB", ICMD_ENDJOB_PAYLOAD},
-    {ICMD_STARTCARD, "ICMD_STARTCARD", ICMD_STARTCARD_PAYLOAD},
-    {ICMD_ENDCARD, "ICMD_ENDCARD", ICMD_ENDCARD_PAYLOAD},
-    {ICMD_MAGENCODE, "ICMD_MAGENCODE", ICMD_MAGENCODE_PAYLOAD},
-    {ICMD_STARTSIDE, "ICMD_STARTSIDE", ICMD_STARTSIDE_PAYLOAD},
-    {ICMD_ENDSIDE, "ICMD_ENDSIDE", ICMD_ENDSIDE_PAYLOAD},
-    {ICMD_STARTIMAGE, "ICMD_STARTIMAGE", ICMD_STARTIMAGE_PAYLOAD},
-    {ICMD_ENDIMAGE, "ICMD_ENDIMAGE", ICMD_ENDIMAGE_PAYLOAD},
-    {ICMD_IMAGE, "ICMD_IMAGE", -1},
-    {ICMD_LUTTABLE, "ICMD_LUTTABLE", ICMD_LUTTABLE_PAYLOAD},
-};
-
-const TRecordKind* Stream_FindKind(uint16_t type) {
-  for (const TRecordKind& k : RECORD_KINDS)
-    if (k.type == type) return &k;
-  return nullptr;
-}
-
 // Framing state while walking the records.
 struct TReaderState {
   bool jobOpen = false, jobEnded = false;
@@ -64,7 +37,8 @@ int32_t Stream_Fail(TStreamCheck* out, uint64_t offset, const char* fmt, ...) {
   return 1;
 }
 
-const char* Name(uint16_t type) { return Stream_FindKind(type)->name; }
+// 'Name()' - The name of a known type.
+const char* Name(uint16_t type) { return Stream_RecordName(type); }
 
 // 'Stream_CheckOrder()' - Check that a record of a known type and length
 // may come now; returns 0 or 1 (violation recorded).
@@ -240,11 +214,7 @@ std::string Stream_OpenLevel(const TReaderState& s) {
 
 }  // namespace
 
-const char* Stream_RecordName(uint16_t type) {
-  const TRecordKind* k = Stream_FindKind(type);
-  return k ? k->name : nullptr;
-}
-
+// 'Stream_Read()' - Walk the records: header, length, order, fields.
 int32_t Stream_Read(const uint8_t* data, size_t size, TStreamCheck* out) {
   *out = TStreamCheck();
   TReaderState s;
@@ -258,16 +228,16 @@ int32_t Stream_Read(const uint8_t* data, size_t size, TStreamCheck* out) {
     rec.offset = at;
     rec.type = Rec_Get16(data + at);
     rec.length = Rec_Get32(data + at + 2);
-    const TRecordKind* kind = Stream_FindKind(rec.type);
-    if (!kind) return Stream_Fail(out, at, "unknown record type %u", rec.type);
-    if (kind->payload >= 0 && rec.length != kind->payload)
-      return Stream_Fail(out, at, "%s payload is %" PRIu32 " bytes, expected %" PRId64, kind->name, rec.length,
-                         kind->payload);
-    if (kind->payload < 0 && rec.length > IMAGE_CHUNK_BYTES)
+    const char* name = Stream_RecordName(rec.type);
+    int64_t expected = Stream_PayloadLength(rec.type);
+    if (!name) return Stream_Fail(out, at, "unknown record type %u", rec.type);
+    if (expected >= 0 && rec.length != expected)
+      return Stream_Fail(out, at, "%s payload is %" PRIu32 " bytes, expected %" PRId64, name, rec.length, expected);
+    if (expected < 0 && rec.length > IMAGE_CHUNK_BYTES)
       return Stream_Fail(out, at, "ICMD_IMAGE payload is %" PRIu32 " bytes, more than %" PRIu32, rec.length,
                          IMAGE_CHUNK_BYTES);
     if (rec.length > left - ICMD_HEADER_BYTES)
-      return Stream_Fail(out, at, "%s claims %" PRIu32 " payload bytes but only %zu follow", kind->name,
+      return Stream_Fail(out, at, "%s claims %" PRIu32 " payload bytes but only %zu follow", name,
                          rec.length, left - ICMD_HEADER_BYTES);
     const uint8_t* payload = data + at + ICMD_HEADER_BYTES;
     if (Stream_CheckOrder(&s, rec, out) || Stream_Apply(&s, rec, payload, out)) return 1;
@@ -281,6 +251,7 @@ int32_t Stream_Read(const uint8_t* data, size_t size, TStreamCheck* out) {
   return 0;
 }
 
+// 'Stream_Read()' - The same on a string of bytes.
 int32_t Stream_Read(const std::string& bytes, TStreamCheck* out) {
   return Stream_Read(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), out);
 }

@@ -57,6 +57,10 @@ int32_t Stream_Read(const std::string& bytes, TStreamCheck* out);
 // unknown type.
 const char* Stream_RecordName(uint16_t type);
 
+// 'Stream_PayloadLength()' - The exact payload length of a type: -1 for
+// ICMD_IMAGE (any length up to IMAGE_CHUNK_BYTES), -2 for an unknown type.
+int64_t Stream_PayloadLength(uint16_t type);
+
 // Decoded fields of the fixed records.
 struct TStartJobFields {
   uint32_t formatWord = 0, printer = 0, jobId = 0, copies = 0;

@@ -1,4 +1,4 @@
-// Decoding the fields of the fixed records of a job command stream.
+// Names, payload lengths and field decoding of the records of a job command stream.
 // Copyright 2026 The rastertobrellian authors.
 #include <cstring>
 
@@ -6,6 +6,34 @@
 #include "jobstream/stream_reader.h"
 
 namespace {
+
+// Record types: name and exact payload length (-1: ICMD_IMAGE, variable).
+struct TRecordKind {
+  uint16_t type;
+  const char* name;
+  int64_t payload;
+};
+
+const TRecordKind RECORD_KINDS[] = {
+    {ICMD_STARTJOB, "ICMD_STARTJOB", ICMD_STARTJOB_PAYLOAD},
+    {ICMD_ENDJOB, "ICMD_ENDJOB", ICMD_ENDJOB_PAYLOAD},
+    {ICMD_STARTCARD, "ICMD_STARTCARD", ICMD_STARTCARD_PAYLOAD},
+    {ICMD_ENDCARD, "ICMD_ENDCARD", ICMD_ENDCARD_PAYLOAD},
+    {ICMD_MAGENCODE, "ICMD_MAGENCODE", ICMD_MAGENCODE_PAYLOAD},
+    {ICMD_STARTSIDE, "ICMD_STARTSIDE", ICMD_STARTSIDE_PAYLOAD},
+    {ICMD_ENDSIDE, "ICMD_ENDSIDE", ICMD_ENDSIDE_PAYLOAD},
+    {ICMD_STARTIMAGE, "ICMD_STARTIMAGE", ICMD_STARTIMAGE_PAYLOAD},
+    {ICMD_ENDIMAGE, "ICMD_ENDIMAGE", ICMD_ENDIMAGE_PAYLOAD},
+    {ICMD_IMAGE, "ICMD_IMAGE", -1},
+    {ICMD_LUTTABLE, "ICMD_LUTTABLE", ICMD_LUTTABLE_PAYLOAD},
+};
+
+// 'Stream_FindKind()' - The table entry of a type, or null.
+const TRecordKind* Stream_FindKind(uint16_t type) {
+  for (const TRecordKind& k : RECORD_KINDS)
+    if (k.type == type) return &k;
+  return nullptr;
+}
 
 // 'Fields_Payload()' - The payload of rec when it has the given type and
 // exactly the given length, else null.
@@ -27,6 +55,20 @@ const uint8_t* At(const uint8_t* p, size_t recordOffset) { return p + recordOffs
 
 }  // namespace
 
+// 'Stream_RecordName()' - The name of a type, or null when unknown.
+const char* Stream_RecordName(uint16_t type) {
+  const TRecordKind* k = Stream_FindKind(type);
+  return k ? k->name : nullptr;
+}
+
+// 'Stream_PayloadLength()' - Exact payload length of a type; -1 for
+// ICMD_IMAGE, -2 for an unknown type.
+int64_t Stream_PayloadLength(uint16_t type) {
+  const TRecordKind* k = Stream_FindKind(type);
+  return k ? k->payload : -2;
+}
+
+// 'Stream_DecodeStartJob()' - Model, job id, copies and strings.
 bool Stream_DecodeStartJob(const TStreamRecord& rec, TStartJobFields* out) {
   const uint8_t* p = Fields_Payload(rec, ICMD_STARTJOB, ICMD_STARTJOB_PAYLOAD);
   if (!p) return false;
@@ -40,6 +82,7 @@ bool Stream_DecodeStartJob(const TStreamRecord& rec, TStartJobFields* out) {
   return true;
 }
 
+// 'Stream_DecodeStartCard()' - Card id, copies and card flags.
 bool Stream_DecodeStartCard(const TStreamRecord& rec, TStartCardFields* out) {
   const uint8_t* p = Fields_Payload(rec, ICMD_STARTCARD, ICMD_STARTCARD_PAYLOAD);
   if (!p) return false;
@@ -56,6 +99,7 @@ bool Stream_DecodeStartCard(const TStreamRecord& rec, TStartCardFields* out) {
   return true;
 }
 
+// 'Stream_DecodeStartSide()' - Side number and side flags.
 bool Stream_DecodeStartSide(const TStreamRecord& rec, TStartSideFields* out) {
   const uint8_t* p = Fields_Payload(rec, ICMD_STARTSIDE, ICMD_STARTSIDE_PAYLOAD);
   if (!p) return false;
@@ -70,6 +114,7 @@ bool Stream_DecodeStartSide(const TStreamRecord& rec, TStartSideFields* out) {
   return true;
 }
 
+// 'Stream_DecodeStartImage()' - Width, height and panel type.
 bool Stream_DecodeStartImage(const TStreamRecord& rec, TStartImageFields* out) {
   const uint8_t* p = Fields_Payload(rec, ICMD_STARTIMAGE, ICMD_STARTIMAGE_PAYLOAD);
   if (!p) return false;
@@ -79,24 +124,28 @@ bool Stream_DecodeStartImage(const TStreamRecord& rec, TStartImageFields* out) {
   return true;
 }
 
+// 'Stream_DecodeEndSide()' - The side that ICMD_ENDSIDE closes.
 bool Stream_DecodeEndSide(const TStreamRecord& rec, int32_t* side) {
   const uint8_t* p = Fields_Payload(rec, ICMD_ENDSIDE, ICMD_ENDSIDE_PAYLOAD);
   if (p) *side = static_cast<int32_t>(Rec_Get32(p));
   return p != nullptr;
 }
 
+// 'Stream_DecodeEndJob()' - The job id of ICMD_ENDJOB.
 bool Stream_DecodeEndJob(const TStreamRecord& rec, uint32_t* jobId) {
   const uint8_t* p = Fields_Payload(rec, ICMD_ENDJOB, ICMD_ENDJOB_PAYLOAD);
   if (p) *jobId = Rec_Get32(p);
   return p != nullptr;
 }
 
+// 'Stream_DecodeEndCard()' - The card id of ICMD_ENDCARD.
 bool Stream_DecodeEndCard(const TStreamRecord& rec, uint64_t* cardId) {
   const uint8_t* p = Fields_Payload(rec, ICMD_ENDCARD, ICMD_ENDCARD_PAYLOAD);
   if (p) *cardId = Rec_Get64(p);
   return p != nullptr;
 }
 
+// 'Stream_DecodeMagEncode()' - The three track records.
 bool Stream_DecodeMagEncode(const TStreamRecord& rec, TMagTrackFields tracks[3]) {
   const uint8_t* p = Fields_Payload(rec, ICMD_MAGENCODE, ICMD_MAGENCODE_PAYLOAD);
   if (!p) return false;
@@ -109,6 +158,7 @@ bool Stream_DecodeMagEncode(const TStreamRecord& rec, TMagTrackFields tracks[3])
   return true;
 }
 
+// 'Stream_DecodeLUTTable()' - The red, green and blue tables.
 bool Stream_DecodeLUTTable(const TStreamRecord& rec, uint8_t red[256], uint8_t green[256], uint8_t blue[256]) {
   const uint8_t* p = Fields_Payload(rec, ICMD_LUTTABLE, ICMD_LUTTABLE_PAYLOAD);
   if (!p) return false;

@@ -22,6 +22,7 @@ std::string Text_Format(const char* fmt, ...) {
   return text;
 }
 
+// 'YesNo()' - "yes" for a non-zero flag byte, "no" for 0.
 const char* YesNo(uint8_t flag) { return flag ? "yes" : "no"; }
 
 // 'Text_Quote()' - A string field in double quotes; quotes, backslashes and
@@ -58,6 +59,7 @@ std::string Text_LUT(const TStreamRecord& rec) {
                      lut[0][255], lut[1][0], lut[1][128], lut[1][255], lut[2][0], lut[2][128], lut[2][255]);
 }
 
+// 'Text_Line()' - Offset, name and fields of one listing line.
 std::string Text_Line(uint64_t offset, const char* name, const std::string& fields) {
   std::string line = Text_Format("%10" PRIu64 "  %-16s", offset, name);
   if (fields.empty()) {
@@ -69,8 +71,10 @@ std::string Text_Line(uint64_t offset, const char* name, const std::string& fiel
 
 }  // namespace
 
+// 'Dump_PanelTypeName()' - Short name of a panel type.
 const char* Dump_PanelTypeName(uint32_t panelType) { return panelType < 4 ? PANEL_NAMES[panelType] : "unknown"; }
 
+// 'Dump_Fields()' - The decoded fields of a record as name=value words.
 std::string Dump_Fields(const TStreamRecord& rec) {
   TStartJobFields job;
   TStartCardFields card;
@@ -106,6 +110,7 @@ std::string Dump_Fields(const TStreamRecord& rec) {
   return "";
 }
 
+// 'Dump_Listing()' - One line per record, image chunks summarised.
 std::vector<std::string> Dump_Listing(const TStreamCheck& check, bool eachChunk) {
   std::vector<std::string> lines;
   const std::vector<TStreamRecord>& recs = check.records;
@@ -140,6 +145,7 @@ std::vector<std::string> Dump_Listing(const TStreamCheck& check, bool eachChunk)
   return lines;
 }
 
+// 'Dump_Verdict()' - The OK, CUT or ERROR line.
 std::string Dump_Verdict(const TStreamCheck& check) {
   if (!check.ok) return Text_Format("ERROR at offset %" PRIu64 ": ", check.errorOffset) + check.error;
   size_t panels = check.panels.size();

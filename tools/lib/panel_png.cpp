@@ -5,11 +5,13 @@
 #include "job_text.h"
 #include "png_io.h"
 
+// 'Dump_PanelFileName()' - side<S>-panel<I>-<type>.png.
 std::string Dump_PanelFileName(const TStreamPanel& panel) {
   return "side" + std::to_string(panel.side) + "-panel" + std::to_string(panel.index) + "-" +
          Dump_PanelTypeName(panel.panelType) + ".png";
 }
 
+// 'Dump_PanelImage()' - RGB as sent; one-byte panels inverted to grey.
 std::vector<uint8_t> Dump_PanelImage(const TStreamPanel& panel) {
   std::vector<uint8_t> image(panel.pixels);
   if (panel.bytesPerPixel == 1)
@@ -17,6 +19,7 @@ std::vector<uint8_t> Dump_PanelImage(const TStreamPanel& panel) {
   return image;
 }
 
+// 'Dump_WritePanelPng()' - Write the panel's picture as a PNG in dir.
 bool Dump_WritePanelPng(const std::string& dir, const TStreamPanel& panel, std::string* path) {
   *path = dir + "/" + Dump_PanelFileName(panel);
   if (panel.rows == 0 || panel.width == 0) return false;

@@ -40,14 +40,17 @@ static bool Png_Decode(const std::string& bytes, uint32_t format, uint32_t chann
   return true;
 }
 
+// 'Png_DecodeRGB()' - Decode PNG bytes into 8-bit RGB.
 bool Png_DecodeRGB(const std::string& bytes, TPngImage* out, std::string* error) {
   return Png_Decode(bytes, PNG_FORMAT_RGB, 3, out, error);
 }
 
+// 'Png_DecodeGray()' - Decode PNG bytes into 8-bit grey.
 bool Png_DecodeGray(const std::string& bytes, TPngImage* out, std::string* error) {
   return Png_Decode(bytes, PNG_FORMAT_GRAY, 1, out, error);
 }
 
+// 'Png_ReadRGB()' - Read a PNG file (capped) into 8-bit RGB.
 bool Png_ReadRGB(const std::string& path, TPngImage* out, std::string* error) {
   std::string bytes;
   if (File_ReadCapped(path.c_str(), PNG_MAX_FILE_BYTES, &bytes) != 0) {
@@ -75,19 +78,23 @@ static bool Png_Encode(uint32_t width, uint32_t height, const uint8_t* pixels, u
   return true;
 }
 
+// 'Png_EncodeRGB()' - Encode 8-bit RGB pixels as PNG bytes.
 bool Png_EncodeRGB(uint32_t width, uint32_t height, const uint8_t* rgb, std::string* out) {
   return Png_Encode(width, height, rgb, PNG_FORMAT_RGB, out);
 }
 
+// 'Png_EncodeGray()' - Encode 8-bit grey pixels as PNG bytes.
 bool Png_EncodeGray(uint32_t width, uint32_t height, const uint8_t* gray, std::string* out) {
   return Png_Encode(width, height, gray, PNG_FORMAT_GRAY, out);
 }
 
+// 'Png_WriteRGB()' - Encode RGB pixels into a PNG file.
 bool Png_WriteRGB(const std::string& path, uint32_t width, uint32_t height, const uint8_t* rgb) {
   std::string bytes;
   return Png_EncodeRGB(width, height, rgb, &bytes) && Tool_WriteFile(path, bytes);
 }
 
+// 'Png_WriteGray()' - Encode grey pixels into a PNG file.
 bool Png_WriteGray(const std::string& path, uint32_t width, uint32_t height, const uint8_t* gray) {
   std::string bytes;
   return Png_EncodeGray(width, height, gray, &bytes) && Tool_WriteFile(path, bytes);

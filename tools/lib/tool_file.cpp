@@ -9,6 +9,7 @@
 
 #include "util/safe_file.h"
 
+// 'Tool_WriteFile()' - Replace the regular file at path with bytes.
 bool Tool_WriteFile(const std::string& path, const std::string& bytes) {
   int fd = File_OpenRegular(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
   if (fd < 0) return false;
@@ -22,12 +23,14 @@ bool Tool_WriteFile(const std::string& path, const std::string& bytes) {
   return close(fd) == 0 && done == bytes.size();
 }
 
+// 'Tool_WriteAll()' - Write bytes to a stream and flush it.
 bool Tool_WriteAll(FILE* stream, const std::string& bytes) {
   if (!stream) return false;
   size_t n = bytes.empty() ? 0 : fwrite(bytes.data(), 1, bytes.size(), stream);
   return fflush(stream) == 0 && n == bytes.size();
 }
 
+// 'Tool_ReadAll()' - Read a stream to its end, at most maxBytes.
 bool Tool_ReadAll(FILE* stream, size_t maxBytes, std::string* out) {
   if (!stream || !out) return false;
   out->clear();
