@@ -18,11 +18,19 @@ int32_t Page_Process(TPrintingTask* task, const cups_page_header2_t* header);
 // tumbled job are turned in place.  Returns 0.
 int32_t Page_PrintSidePanel(TPrintingTask* task, int32_t panelType, uint8_t* data);
 
+// The per-panel producers: each writes the panel of this page from the
+// W x H x 3 printer-RGB image rgb (which it does not free) and returns 0.
+// RGB: the colour panel, and on a "ColorK" side with resin areas the resin
+// black panel.  K: the halftoned black panel.  UV and PO: the inverted
+// luminance of the page (black dots give 255).
 int32_t Page_ProcessSubPage_RGB(TPrintingTask* task, uint8_t* rgb);
 int32_t Page_ProcessSubPage_K(TPrintingTask* task, uint8_t* rgb);
 int32_t Page_ProcessSubPage_UV(TPrintingTask* task, uint8_t* rgb);
 int32_t Page_ProcessSubPage_PO(TPrintingTask* task, uint8_t* rgb);
 
-// Preset overlay and UV panels (sent by the functions themselves).
+// 'Page_ProcessSubPage_POManual()' - Build and send the side's overlay panel
+// from its peel-off and keep areas.  Returns 0, or 37 when out of memory.
 int32_t Page_ProcessSubPage_POManual(TPrintingTask* task);
+// 'Page_ProcessSubPage_UVManual()' - Send the side's UV panel read from its
+// UV preset file.  Returns 0; a failure only skips the panel.
 int32_t Page_ProcessSubPage_UVManual(TPrintingTask* task);

@@ -1,0 +1,107 @@
+// Overlay panels from peel-off areas and UV panels from preset files.
+// Copyright 2026 The rastertobrellian authors.
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <unistd.h>
+
+#include "driver/printing_task.h"
+#include "imaging/page_process.h"
+#include "imaging/panel.h"
+#include "imaging/stages.h"
+#include "log/log.h"
+#include "util/safe_file.h"
+
+namespace {
+
+// Out of memory, the status of Page_ProcessSubPage_POManual.
+constexpr int32_t PO_MANUAL_NO_MEMORY = 37;
+
+// 'Page_FillSpan()' - Set every dot of an area's span to value.
+void Page_FillSpan(uint8_t* panel, TPanelGeometry g, int32_t x0, int32_t y0, int32_t x1,
+                   int32_t y1, uint8_t value) {
+  if (x1 <= x0 || y1 <= y0) return;
+  for (int32_t y = y0; y < y1; ++y)
+    memset(panel + static_cast<size_t>(y) * g.width + x0, value, static_cast<size_t>(x1 - x0));
+}
+
+}  // namespace
+
+// 'Page_ProcessSubPage_POManual()' - Build and send the side's overlay panel
+// from its peel-off areas (255) and keep areas (0), then free it.
+//
+// With no peel-off area the panel is all 0 and is still sent.  Returns 0, or
+// 37 when the panel could not be allocated (nothing is sent).
+int32_t Page_ProcessSubPage_POManual(TPrintingTask* task) {  // I - Job
+  const int32_t s = task->sideIndex;
+  Log_Write(LOG_ENTRYEXIT, ">>>> Page_ProcessSubPage_POManual(%d)", task->po(s));
+
+  TPanelGeometry g = Panel_Geometry(task);
+  const size_t size = static_cast<size_t>(g.width) * g.height;
+  uint8_t* panel = static_cast<uint8_t*>(malloc(size ? size : 1));
+  if (panel == nullptr) {
+    Log_Write(LOG_ENTRYEXIT, "<<<< Page_ProcessSubPage_POManual[out of memory]");
+    return PO_MANUAL_NO_MEMORY;
+  }
+  memset(panel, 0, size);
+
+  int32_t x0, y0, x1, y1;
+  for (const TArea& area : task->poAreas[s][AREA_GROUP_PEELOFF]) {
+    if (Area_IsEmpty(&area)) continue;
+    Area_ToSpan(&area, g.width, g.height, &x0, &y0, &x1, &y1);
+    Log_Write(LOG_LOG, "Page_ProcessSubPage_POManual --> include: %d,%d - %d,%d", x0, y0, x1, y1);
+    Page_FillSpan(panel, g, x0, y0, x1, y1, 255);
+  }
+  for (const TArea& area : task->poAreas[s][AREA_GROUP_KEEP]) {
+    if (Area_IsEmpty(&area)) continue;
+    Area_ToSpan(&area, g.width, g.height, &x0, &y0, &x1, &y1);
+    Log_Write(LOG_LOG, "Page_ProcessSubPage_POManual --> exclude: %d,%d - %d,%d", x0, y0, x1, y1);
+    Page_FillSpan(panel, g, x0, y0, x1, y1, 0);
+  }
+
+  if (task->rotation(s) == 1) Image_Rotate180(task, panel, g.width, g.height, 1);
+  Page_PrintSidePanel(task, PANEL_PO, panel);
+  free(panel);
+  Log_Write(LOG_ENTRYEXIT, "<<<< Page_ProcessSubPage_POManual");
+  return 0;
+}
+
+// 'Page_ProcessSubPage_UVManual()' - Send the side's UV panel read from its
+// UV preset file, then free it.
+//
+// The file is a raw W x H image, one byte per dot; a longer file is accepted
+// and only its first W x H bytes are read.  A missing, unopenable (symbolic
+// links and other non-regular files included) or short file, or no memory,
+// is logged and no UV panel is sent.  Returns 0.
+int32_t Page_ProcessSubPage_UVManual(TPrintingTask* task) {  // I - Job
+  const int32_t s = task->sideIndex;
+  const char* path = task->uvFile(s).c_str();
+  Log_Write(LOG_ENTRYEXIT, ">>>> Page_ProcessSubPage_UVManual(%d)(%s)", task->uv(s), path);
+
+  FILE* file = nullptr;
+  if (access(path, F_OK) != 0) {
+    Log_Write(LOG_ERROR, "Page_ProcessSubPage_UVManual --> file not found (%s)", path);
+  } else if ((file = File_FOpenRegular(path, "rb")) == nullptr) {
+    Log_Write(LOG_ERROR, "Page_ProcessSubPage_UVManual --> unable to open file (%s)(%d)", path,
+              errno);
+  } else {
+    TPanelGeometry g = Panel_Geometry(task);
+    const size_t size = static_cast<size_t>(g.width) * g.height;
+    uint8_t* panel = static_cast<uint8_t*>(malloc(size ? size : 1));
+    if (panel == nullptr) {
+      Log_Write(LOG_ERROR, "Page_ProcessSubPage_UVManual --> out of memory");
+    } else if (fread(panel, 1, size, file) < size) {
+      Log_Write(LOG_ERROR, "Page_ProcessSubPage_UVManual --> unable to read file (%s)", path);
+      free(panel);
+    } else {
+      if (task->rotation(s) == 1) Image_Rotate180(task, panel, g.width, g.height, 1);
+      Page_PrintSidePanel(task, PANEL_UV, panel);
+      free(panel);
+    }
+  }
+
+  if (file != nullptr) fclose(file);
+  Log_Write(LOG_ENTRYEXIT, "<<<< Page_ProcessSubPage_UVManual");
+  return 0;
+}
