@@ -8,6 +8,8 @@
 #include "support/process.h"
 #include "test_page_process_support.h"
 
+using namespace pagetest;
+
 namespace {
 
 constexpr size_t kDots = 1036 * 664;  // one-byte panel of the 1030 model

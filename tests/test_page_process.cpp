@@ -9,6 +9,8 @@
 #include "support/process.h"
 #include "test_page_process_support.h"
 
+using namespace pagetest;
+
 namespace {
 
 constexpr uint32_t kW = 1036;

@@ -15,6 +15,10 @@
 #include "jobstream/records.h"
 #include "log/log.h"
 
+// Kept apart from the job-stream reader's names: these tests read single
+// panels that are not framed as a whole job.
+namespace pagetest {
+
 // One record of the job command stream.
 struct TStreamRecord {
   uint16_t type;
@@ -196,3 +200,5 @@ inline std::string Stream_Outline(const std::vector<TStreamRecord>& records) {
   if (inImage) outline += " UNENDED";
   return outline;
 }
+
+}  // namespace pagetest

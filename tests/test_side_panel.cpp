@@ -9,6 +9,8 @@
 #include "support/process.h"
 #include "test_page_process_support.h"
 
+using namespace pagetest;
+
 namespace {
 
 using TSidePanelTest = TPageTest;
