@@ -4,6 +4,7 @@
 
 #include "jobstream/records.h"
 #include "jobstream/stream_reader.h"
+#include "png_io.h"
 #include "raster_content.h"
 #include "raster_writer.h"
 #include "support/process.h"
@@ -82,8 +83,38 @@ TEST_F(JobDumpFilter, PrintedPagesMakeAWellFormedJob) {
   ASSERT_EQ(0, Stream_Read(f.out, &c)) << c.errorOffset << ": " << c.error;
   EXPECT_TRUE(c.complete);
   ExpectPanelsOfTheModel(c);
+  // A simplex colour side ends after its one page; the second page is read but not printed.
+  ASSERT_EQ(1u, c.panels.size());
+  EXPECT_EQ(0, c.panels[0].side);
+  EXPECT_EQ(0u, c.panels[0].panelType);
   TProcessResult d = Dump({"-q"}, f.out);
   EXPECT_EQ(0, d.status) << d.out << d.err;
+}
+
+TEST_F(JobDumpFilter, ADuplexJobFromTheRasterToolGivesOnePngPerSide) {
+  std::string dir = BRELLIAN_BINARY_DIR "/test-jobdump-filter";
+  Test_RemoveTree(dir);
+  Test_MakeDirs(dir);
+  TProcessResult w = Test_RunProcess({BRELLIAN_TOOLS_DIR "/brellian-rasterwrite", "--duplex", "-o", dir + "/job.ras",
+                                      "solid:255,255,255", "pattern"});
+  ASSERT_EQ(0, w.status) << w.err;
+  TProcessResult f = Test_RunFilter({"5", "user", "t", "1", "", dir + "/job.ras"});
+  EXPECT_EQ(0, f.status) << f.err;
+  TProcessResult d = Dump({"-q", "--png", dir + "/png"}, f.out);
+  EXPECT_EQ(0, d.status) << d.out << d.err;
+  // Each 2072 x 1328 colour panel takes 148 chunks: 4 + 2 x (1 + 1 + 148 + 1 + 1) + 2 records.
+  // Job and card: 4 records; each side: STARTSIDE, LUTTABLE, STARTIMAGE,
+  // 148 chunks of a 2072 x 1328 colour panel, ENDIMAGE, ENDSIDE.
+  EXPECT_EQ("OK: complete job, 310 records, 2 panels\n", d.out);
+  TPngImage front, back;
+  std::string error;
+  ASSERT_TRUE(Png_DecodeRGB(Test_ReadFile(dir + "/png/side0-panel0-color.png"), &front, &error)) << error;
+  ASSERT_TRUE(Png_DecodeRGB(Test_ReadFile(dir + "/png/side1-panel0-color.png"), &back, &error)) << error;
+  EXPECT_EQ(2072u, front.width);
+  EXPECT_EQ(1328u, back.height);
+  EXPECT_EQ(std::vector<uint8_t>(front.pixels.size(), 255), front.pixels);  // a white page stays white
+  EXPECT_NE(std::vector<uint8_t>(back.pixels.size(), 255), back.pixels);
+  Test_RemoveTree(dir);
 }
 
 TEST_F(JobDumpFilter, ACancelledJobIsReportedAsCut) {
