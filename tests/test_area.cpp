@@ -2,6 +2,7 @@
 // Copyright 2026 The rastertobrellian authors.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 
 #include "log/log.h"
@@ -151,4 +152,25 @@ TEST(AreaTests, ContainsComparesSigned) {
   // A right edge above INT32_MAX reads as negative: nothing is inside.
   TArea wide{0, 0, 0x80000000u, 10};
   EXPECT_FALSE(Area_Contains(5, 5, &wide));
+}
+
+TEST(AreaSplit, AnyTextSplitsIntoBoundedTokens) {
+  // Deterministic random texts over the characters that matter.
+  const char alphabet[] = "0123456789.+- \t\"pxmcinPXMCINcustom.z";
+  uint32_t seed = 777;
+  auto next = [&seed] { return seed = seed * 1103515245u + 12345u; };
+  for (int round = 0; round < 5000; ++round) {
+    std::string text;
+    size_t n = next() % 60;
+    for (size_t i = 0; i < n; ++i) text.push_back(alphabet[(next() >> 8) % (sizeof alphabet - 1)]);
+    char tokens[4][AREA_TOKEN_MAX + 1];
+    int32_t count = Area_SplitValues(text.c_str(), tokens);
+    ASSERT_TRUE(count == 0 || count == 4) << text;
+    for (auto& t : tokens) {
+      ASSERT_LE(strlen(t), static_cast<size_t>(AREA_TOKEN_MAX)) << text;
+      if (count == 0) {
+        ASSERT_EQ('\0', t[0]) << text;
+      }
+    }
+  }
 }

@@ -109,3 +109,23 @@ TEST(SettingsStore, TextEndsAtItsFirstZero) {
   EXPECT_EQ("", t.resinAreas[0][0][1]);   // length 0: empty
   EXPECT_EQ("c", t.resinAreas[0][0][2]);
 }
+
+TEST(SettingsStore, DamagedImagesLoadWithinBounds) {
+  // Deterministic damage: bytes of a valid image overwritten at random
+  // places, lengths included.  Loading must stay within the image (checked
+  // under the sanitizer build) and keep every text within its cap.
+  std::string good = Image(0x00010002);
+  uint32_t seed = 12345;
+  auto next = [&seed] { return seed = seed * 1103515245u + 12345u; };
+  for (int round = 0; round < 2000; ++round) {
+    std::string bytes = good;
+    int hits = 1 + static_cast<int>(next() % 8);
+    for (int h = 0; h < hits; ++h) bytes[next() % bytes.size()] = static_cast<char>(next() >> 16);
+    bytes.resize(next() % (bytes.size() + 1));
+    TBrellianSettings s = FromBytes(bytes);
+    for (const auto& preset : s.resinAreas)
+      for (const auto& group : preset)
+        for (const auto& area : group) ASSERT_LT(area.size(), SETTINGS_STRING_MAX);
+    ASSERT_LT(s.plugin.size(), SETTINGS_STRING_MAX);
+  }
+}
