@@ -201,6 +201,16 @@ TEST_F(SettingsTool, TheFilterReadsThePresetsTheToolWrote) {
   TStartJobFields job;
   ASSERT_TRUE(Stream_DecodeStartJob(check.records[0], &job));
   EXPECT_EQ("plugX", job.plugin);
+  // Card thickness "thin" gives 1 ("Thin"), overlay mode "disabled" 2 ("Disabled").
+  bool card = false;
+  for (const TStreamRecord& rec : check.records) {
+    TStartCardFields fields;
+    if (!Stream_DecodeStartCard(rec, &fields)) continue;
+    card = true;
+    EXPECT_EQ(1, fields.cardThickness);
+    EXPECT_EQ(2, fields.magPOMode);
+  }
+  EXPECT_TRUE(card);
   Test_RemoveTree(BRELLIAN_SETTINGS_DIR "/brellian_br-1060_presettool1.dat");
 }
 

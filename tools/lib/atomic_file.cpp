@@ -53,6 +53,7 @@ bool Tool_WriteFd(int fd, const std::string& bytes) {
   return true;
 }
 
+// 'Tool_Fail()' - *error = what and the system error text; false.
 bool Tool_Fail(std::string* error, const std::string& what) {
   if (error) *error = what + ": " + strerror(errno);
   return false;
@@ -60,6 +61,7 @@ bool Tool_Fail(std::string* error, const std::string& what) {
 
 }  // namespace
 
+// 'Tool_ReplaceFile()' - Temporary file, write, fsync, rename, flush the directory.
 bool Tool_ReplaceFile(const std::string& path, const std::string& bytes, unsigned mode,
                       std::string* error) {
   struct stat st;

@@ -15,11 +15,13 @@ namespace {
 // 'Preview_Byte()' - Byte i of a one-byte panel; 0 for rows not read.
 uint8_t Preview_Byte(const TStreamPanel& p, size_t i) { return i < p.pixels.size() ? p.pixels[i] : 0; }
 
+// 'Preview_Color()' - Copy the colour bytes that were read.
 void Preview_Color(const TStreamPanel& p, TCardPreview* out) {
   size_t n = std::min(p.pixels.size(), out->rgb.size());
   std::copy(p.pixels.begin(), p.pixels.begin() + n, out->rgb.begin());
 }
 
+// 'Preview_Black()' - Darken by the black byte.
 void Preview_Black(const TStreamPanel& p, TCardPreview* out) {
   for (size_t i = 0; i < out->rgb.size(); ++i) {
     uint32_t k = Preview_Byte(p, i / 3);
@@ -27,6 +29,7 @@ void Preview_Black(const TStreamPanel& p, TCardPreview* out) {
   }
 }
 
+// 'Preview_UV()' - Tint towards PREVIEW_UV_TINT by the UV byte.
 void Preview_UV(const TStreamPanel& p, TCardPreview* out) {
   for (size_t i = 0; i < out->rgb.size(); ++i) {
     uint32_t u = Preview_Byte(p, i / 3);
@@ -34,6 +37,7 @@ void Preview_UV(const TStreamPanel& p, TCardPreview* out) {
   }
 }
 
+// 'Preview_Overlay()' - Outline the overlay regions.
 void Preview_Overlay(const TStreamPanel& p, TCardPreview* out) {
   const uint32_t w = out->width, h = out->height;
   auto on = [&](uint32_t x, uint32_t y) { return Preview_Byte(p, static_cast<size_t>(y) * w + x) >= 128; };
@@ -82,6 +86,7 @@ TCardPreview Preview_Side(int32_t side, const std::vector<const TStreamPanel*>& 
 
 }  // namespace
 
+// 'Preview_Compose()' - Front, then back, for each side with panels.
 std::vector<TCardPreview> Preview_Compose(const TStreamCheck& check) {
   std::vector<TCardPreview> sides;
   for (int32_t side : {0, 1}) {
@@ -93,4 +98,5 @@ std::vector<TCardPreview> Preview_Compose(const TStreamCheck& check) {
   return sides;
 }
 
+// 'Preview_FileName()' - "side<S>-card.png".
 std::string Preview_FileName(int32_t side) { return "side" + std::to_string(side) + "-card.png"; }

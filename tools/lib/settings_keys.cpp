@@ -25,6 +25,7 @@ struct TNumberWord {
 const TNumberWord kThicknessWords[] = {{"unset", -1}, {"standard", 0}, {"thin", 1}};
 const TNumberWord kMagPOWords[] = {{"unset", -1}, {"disabled", 0}, {"enabled", 1}};
 
+// 'Settings_BuildKeys()' - Every key in the order of the file's entries.
 std::vector<TSettingsKey> Settings_BuildKeys() {
   std::vector<TSettingsKey> keys;
   for (TSettingsKind kind : {SETKEY_RESIN_AREA, SETKEY_PO_AREA})
@@ -75,6 +76,7 @@ bool Settings_ParseWordNumber(const std::string& text, const TNumberWord (&words
   return true;
 }
 
+// 'Settings_WordNumber()' - The word naming value, else value in decimal.
 std::string Settings_WordNumber(int32_t value, const TNumberWord (&words)[3]) {
   for (const TNumberWord& w : words)
     if (w.value == value) return w.word;
@@ -112,11 +114,13 @@ std::string Settings_CheckString(const TSettingsKey& key, const std::string& val
 
 }  // namespace
 
+// 'Settings_AllKeys()' - The key table, built once, in file order.
 const std::vector<TSettingsKey>& Settings_AllKeys() {
   static const std::vector<TSettingsKey> keys = Settings_BuildKeys();
   return keys;
 }
 
+// 'Settings_KeyName()' - "resin.1.include.2" and the like.
 std::string Settings_KeyName(const TSettingsKey& key) {
   char text[64];
   switch (key.kind) {
@@ -136,6 +140,7 @@ std::string Settings_KeyName(const TSettingsKey& key) {
   return "";
 }
 
+// 'Settings_FindKey()' - Look a key up by its exact name.
 bool Settings_FindKey(const std::string& text, TSettingsKey* key) {
   for (const TSettingsKey& k : Settings_AllKeys()) {
     if (Settings_KeyName(k) == text) {
@@ -146,6 +151,7 @@ bool Settings_FindKey(const std::string& text, TSettingsKey* key) {
   return false;
 }
 
+// 'Settings_GetValue()' - A value as the text form writes it.
 std::string Settings_GetValue(const TBrellianSettings& settings, const TSettingsKey& key) {
   TBrellianSettings* s = const_cast<TBrellianSettings*>(&settings);
   if (std::string* field = Settings_StringField(s, key)) return *field;
@@ -156,6 +162,7 @@ std::string Settings_GetValue(const TBrellianSettings& settings, const TSettings
   }
 }
 
+// 'Settings_SetValue()' - Check and store one value; settings untouched on refusal.
 bool Settings_SetValue(TBrellianSettings* settings, const TSettingsKey& key, const std::string& value,
                        std::string* error) {
   std::string why;
@@ -180,6 +187,8 @@ bool Settings_SetValue(TBrellianSettings* settings, const TSettingsKey& key, con
   return false;
 }
 
+// 'Settings_CheckArea()' - Split with the filter's reader, then parse at every
+// model resolution: a string that gives no area anywhere is refused.
 std::string Settings_CheckArea(const std::string& text) {
   if (text.empty()) return "";
   char tokens[4][AREA_TOKEN_MAX + 1];

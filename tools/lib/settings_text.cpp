@@ -17,6 +17,7 @@ const char kTextHeader[] =
 
 bool Settings_IsBlank(char c) { return c == ' ' || c == '\t'; }
 
+// 'Settings_Trim()' - text without leading and trailing blanks.
 std::string Settings_Trim(const std::string& text) {
   size_t b = 0, e = text.size();
   while (b < e && Settings_IsBlank(text[b])) ++b;
@@ -47,11 +48,13 @@ std::string Settings_SectionComment(const TSettingsKey& key) {
   }
 }
 
+// 'Settings_Line()' - "key = value\n", or "key =\n" for an empty value.
 std::string Settings_Line(const TSettingsKey& key, const std::string& value) {
   std::string quoted = Settings_QuoteValue(value);
   return Settings_KeyName(key) + (quoted.empty() ? " =\n" : " = " + quoted + "\n");
 }
 
+// 'Settings_HexDigit()' - The value of a hex digit, -1 for another character.
 int Settings_HexDigit(char c) {
   if (c >= '0' && c <= '9') return c - '0';
   if (c >= 'a' && c <= 'f') return c - 'a' + 10;
@@ -61,6 +64,7 @@ int Settings_HexDigit(char c) {
 
 }  // namespace
 
+// 'Settings_QuoteValue()' - Quote and escape only when the value needs it.
 std::string Settings_QuoteValue(const std::string& value) {
   bool quote = !value.empty() && (Settings_IsBlank(value.front()) || Settings_IsBlank(value.back()) ||
                                   value.front() == '"');
@@ -82,6 +86,7 @@ std::string Settings_QuoteValue(const std::string& value) {
   return out + "\"";
 }
 
+// 'Settings_UnquoteValue()' - Undo Settings_QuoteValue.
 bool Settings_UnquoteValue(const std::string& text, std::string* value) {
   if (text.empty() || text[0] != '"') return *value = text, true;
   if (text.size() < 2 || text.back() != '"') return false;
@@ -108,6 +113,7 @@ bool Settings_UnquoteValue(const std::string& text, std::string* value) {
   return true;
 }
 
+// 'Settings_ToText()' - Header, then every key under its group comment.
 std::string Settings_ToText(const TBrellianSettings& settings) {
   std::string out = kTextHeader;
   for (const TSettingsKey& key : Settings_AllKeys()) {
@@ -118,6 +124,7 @@ std::string Settings_ToText(const TBrellianSettings& settings) {
   return out;
 }
 
+// 'Settings_ShowText()' - The lines whose value differs from the reset state.
 std::string Settings_ShowText(const TBrellianSettings& settings) {
   TBrellianSettings empty;
   std::string out;
@@ -128,6 +135,7 @@ std::string Settings_ShowText(const TBrellianSettings& settings) {
   return out.empty() ? "(no presets set)\n" : out;
 }
 
+// 'Settings_FromText()' - Reset, then read line by line; stop at the first bad line.
 bool Settings_FromText(const std::string& text, TBrellianSettings* settings, std::string* error) {
   std::string model = settings->modelName, serial = settings->serialNumber;
   settings->Reset();

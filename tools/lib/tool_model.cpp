@@ -14,12 +14,14 @@
 #include "util/safe_file.h"
 #include "util/str.h"
 
+// 'Tool_Init()' - Start-up tables built, trace log silent.
 void Tool_Init() {
   Status_BuildTables();
   Log_SetOutputMask(0);
   Log_SetLevel(LOG_NONE);
 }
 
+// 'Tool_ParseModel()' - Match a model id or display name.
 bool Tool_ParseModel(const std::string& text, uint32_t* model) {
   for (const auto& entry : g_modelNames) {
     if (text == std::to_string(entry.first) || strcasecmp(text.c_str(), entry.second.c_str()) == 0) {
@@ -30,8 +32,10 @@ bool Tool_ParseModel(const std::string& text, uint32_t* model) {
   return false;
 }
 
+// 'Tool_SettingsModelName()' - The name of model 1060.
 std::string Tool_SettingsModelName() { return Status_ModelName(1060); }
 
+// 'Tool_LoadSettingsFile()' - Missing (1), read (0) or unreadable (-1).
 int32_t Tool_LoadSettingsFile(const std::string& path, TBrellianSettings* settings, std::string* error) {
   struct stat st;
   if (lstat(path.c_str(), &st) != 0 && errno == ENOENT) return 1;
@@ -44,6 +48,7 @@ int32_t Tool_LoadSettingsFile(const std::string& path, TBrellianSettings* settin
   return 0;
 }
 
+// 'Tool_LoadPrinterSettings()' - Check the names, then Load their file.
 int32_t Tool_LoadPrinterSettings(const std::string& model, const std::string& serial,
                                  TBrellianSettings* settings, std::string* error) {
   std::string m = model, s = serial;
@@ -67,6 +72,7 @@ int32_t Tool_LoadPrinterSettings(const std::string& model, const std::string& se
   return 0;
 }
 
+// 'Tool_SaveSettingsFile()' - The file image, written safely.
 bool Tool_SaveSettingsFile(const std::string& path, const TBrellianSettings& settings, std::string* error) {
   return Tool_ReplaceFile(path, settings.SaveToBytes(), 0644, error);
 }

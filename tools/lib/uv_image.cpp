@@ -22,6 +22,7 @@ void Uv_Sample(const TPngImage& rgb, uint32_t width, uint32_t ox, uint32_t oy, u
 
 }  // namespace
 
+// 'Uv_ParseFit()' - The fit named by text.
 bool Uv_ParseFit(const std::string& text, TUvFit* fit) {
   static const struct {
     const char* name;
@@ -32,11 +33,13 @@ bool Uv_ParseFit(const std::string& text, TUvFit* fit) {
   return false;
 }
 
+// 'Uv_DotFromRGB()' - 255 minus the grey value or the luminance.
 uint8_t Uv_DotFromRGB(uint8_t r, uint8_t g, uint8_t b) {
   if (r == g && g == b) return static_cast<uint8_t>(255 - r);
   return static_cast<uint8_t>(255 - Image_Luminance(r, g, b));
 }
 
+// 'Uv_FromImage()' - Size check or scaling, then one UV byte per dot.
 bool Uv_FromImage(const TPngImage& rgb, uint32_t width, uint32_t height, TUvFit fit, std::vector<uint8_t>* out,
                   std::string* error) {
   if (rgb.channels != 3 || rgb.width == 0 || rgb.height == 0) {
@@ -63,6 +66,7 @@ bool Uv_FromImage(const TPngImage& rgb, uint32_t width, uint32_t height, TUvFit 
   return true;
 }
 
+// 'Uv_ToGray()' - 255 minus each byte.
 std::vector<uint8_t> Uv_ToGray(const uint8_t* raw, size_t size) {
   std::vector<uint8_t> gray(size);
   for (size_t i = 0; i < size; ++i) gray[i] = static_cast<uint8_t>(255 - raw[i]);

@@ -57,6 +57,7 @@ static const char USAGE[] =
     "Exit status: 0 done (every FILE usable), 1 a FILE is not usable, 2 bad arguments,\n"
     "3 a file could not be read or written.\n";
 
+// 'Lut_ToolFail()' - Print "brellian-lut: message" and return status.
 static int Lut_ToolFail(int status, const std::string& message) {
   fprintf(stderr, "brellian-lut: %s\n", message.c_str());
   return status;
@@ -102,6 +103,7 @@ static bool Lut_ParseGammas(const char* text, double gamma[3]) {
   return true;
 }
 
+// 'main()' - Options, then the command; the exit status says how it went.
 int main(int argc, char** argv) {
   Tool_Init();
   static const struct option kOptions[] = {

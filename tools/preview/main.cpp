@@ -54,6 +54,7 @@ static const char USAGE[] =
     "the fault are still written), 2 bad arguments or a file that cannot be read or\n"
     "written, 3 the stream stops before its end (a cancelled job).\n";
 
+// 'Preview_Fail()' - Print "brellian-preview: message"; PREVIEW_FAILED.
 static int Preview_Fail(const std::string& message) {
   fprintf(stderr, "brellian-preview: %s\n", message.c_str());
   return PREVIEW_FAILED;
@@ -84,6 +85,7 @@ static bool Preview_Write(const std::string& dir, const TStreamCheck& check, boo
   return true;
 }
 
+// 'main()' - Options, then the command; the exit status says how it went.
 int main(int argc, char** argv) {
   Tool_Init();
   static const struct option kOptions[] = {

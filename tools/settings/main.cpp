@@ -162,6 +162,7 @@ static int Set_Command(TSettingsTarget* t, bool force, const std::string& cmd, i
   return SET_OK;
 }
 
+// 'main()' - Options, then the command; the exit status says how it went.
 int main(int argc, char** argv) {
   Tool_Init();
   static const struct option kOptions[] = {

@@ -73,6 +73,7 @@ struct TUvArgs {
   int preset = 0;
 };
 
+// 'Uv_Fail()' - Print "brellian-uvimage: message" and return status.
 static int Uv_Fail(int status, const std::string& message) {
   fprintf(stderr, "brellian-uvimage: %s\n", message.c_str());
   return status;
@@ -159,6 +160,7 @@ static int Uv_Command(const TUvArgs& a, const std::string& cmd, int argc, char**
   return UV_OK;
 }
 
+// 'main()' - Options, then the command; the exit status says how it went.
 int main(int argc, char** argv) {
   Tool_Init();
   static const struct option kOptions[] = {
