@@ -110,7 +110,7 @@ void Raster_DrawBarcode(TRasterPage* page, uint32_t x, uint32_t y, uint32_t modu
 }
 
 std::vector<TRasterPage> Raster_MakeSampleCardJob(uint32_t width, uint32_t height, uint32_t dpi) {
-  TLayout l{width, height, height / 60};
+  TLayout l{width, height, height / 80};
   if (l.unit == 0) l.unit = 1;
   std::vector<TRasterPage> pages;
 
