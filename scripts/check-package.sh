@@ -1,0 +1,92 @@
+#!/usr/bin/env bash
+# Builds the Debian package and proves that installing it gives a working
+# queue: in a throw-away copy of this machine (an overlay of / in a private
+# mount namespace, discarded at the end) the package is installed with
+# dpkg -i, a private spooler is started, a queue is made from the installed
+# PPD with lpadmin, the sample card is printed with lp, and the captured job
+# command stream is checked with the installed inspector.  Nothing on the
+# real system is changed.  Needs root (for the namespace and dpkg).
+set -euo pipefail
+cd "$(dirname "$0")/.."
+if [ "$(id -u)" -ne 0 ]; then
+  echo "check-package: skipped (needs root for dpkg and a private mount namespace)"
+  exit 0
+fi
+bash scripts/install-deps.sh --full
+build=build-pkg
+cmake -S . -B "$build" -DCMAKE_INSTALL_PREFIX=/usr -DCMAKE_BUILD_TYPE=Release >/dev/null
+cmake --build "$build" -j"$(nproc)" >/dev/null
+(cd "$build" && cpack -G DEB >/dev/null)
+deb="$(ls "$PWD/$build"/rastertobrellian_*_amd64.deb | head -n 1)"
+echo "check-package: built $deb"
+
+root="$PWD/$build/pkgcheck"
+rm -rf "$root"
+mkdir -p "$root/upper" "$root/work" "$root/merged"
+cp docs/samples/sample-card.pdf "$root/sample-card.pdf"
+
+unshare --mount --propagation private bash -s "$root" "$deb" <<'INNER'
+set -euo pipefail
+root="$1"; deb="$2"
+m="$root/merged"
+mount -t overlay overlay -o "lowerdir=/,upperdir=$root/upper,workdir=$root/work" "$m"
+mount --bind /proc "$m/proc"
+mount --bind /dev "$m/dev"
+mount -t tmpfs tmpfs "$m/tmp"
+mount -t tmpfs tmpfs "$m/run"
+cp "$deb" "$m/tmp/package.deb"
+cp "$root/sample-card.pdf" "$m/tmp/sample-card.pdf"
+chroot "$m" /bin/bash -s <<'CHROOT'
+set -euo pipefail
+# A machine that never had the driver: no earlier install, no presets.
+rm -rf /etc/brellian /var/log/brellian /usr/lib/cups/filter/rastertobrellian /usr/share/ppd/brellian
+dpkg -i /tmp/package.deb >/dev/null
+test -x /usr/lib/cups/filter/rastertobrellian
+test -f /usr/share/ppd/brellian/br1060.ppd
+test "$(stat -c %U /var/log/brellian)" = lp
+test -d /etc/brellian/settings -a -d /etc/brellian/uv -a -d /etc/brellian/lut
+
+cat > /usr/lib/cups/backend/capture <<'EOF2'
+#!/bin/sh
+if [ $# -eq 0 ]; then echo 'direct capture "Unknown" "Capture to a file"'; exit 0; fi
+out="${DEVICE_URI#capture:}"
+if [ -n "$6" ]; then cat "$6" > "$out.part"; else cat > "$out.part"; fi
+mv "$out.part" "$out"
+EOF2
+chmod 755 /usr/lib/cups/backend/capture
+mkdir -p /tmp/out && chmod 1777 /tmp/out
+cat > /etc/cups/cupsd.conf <<'EOF2'
+Listen /tmp/cups.sock
+LogLevel debug
+WebInterface No
+Browsing No
+<Location />
+  Order allow,deny
+  Allow all
+</Location>
+<Policy default>
+  <Limit All>
+    Order deny,allow
+  </Limit>
+</Policy>
+EOF2
+grep -q '^FileDevice' /etc/cups/cups-files.conf || echo 'FileDevice Yes' >> /etc/cups/cups-files.conf
+mkdir -p /run/cups /var/spool/cups/tmp
+/usr/sbin/cupsd -f &
+cupsd_pid=$!
+trap 'kill $cupsd_pid 2>/dev/null; wait $cupsd_pid 2>/dev/null || true' EXIT
+export CUPS_SERVER=/tmp/cups.sock
+for i in $(seq 100); do lpstat -r >/dev/null 2>&1 && break; sleep 0.1; done
+lpadmin -p cards -E -v 'capture:/tmp/out/job.bin' -P /usr/share/ppd/brellian/br1060.ppd 2>/dev/null
+lp -d cards -t 'Package check' -o frontRibbon=ColorK -o frontResin=Preset1 -o Duplex=DuplexNoTumble \
+   /tmp/sample-card.pdf >/dev/null
+for i in $(seq 600); do [ -z "$(lpstat -o)" ] && break; sleep 0.2; done
+if [ ! -s /tmp/out/job.bin ]; then
+  echo "check-package: no job output; spooler log:"; tail -n 40 /var/log/cups/error_log; exit 1
+fi
+/usr/bin/brellian-jobdump --quiet /tmp/out/job.bin
+grep -q 'CMD: ICMD_ENDJOB' /var/log/brellian/rastertobrellian.log
+echo "check-package: dpkg -i, lpadmin and lp gave a complete job; the filter logged to /var/log/brellian as $(stat -c %U /var/log/brellian/rastertobrellian.log)"
+CHROOT
+INNER
+rm -rf "$root"
