@@ -1,0 +1,139 @@
+#!/usr/bin/env bash
+# Whole-job benchmark of the filter: each standard job runs as a whole
+# process with input and output through pipes, alternating with a baseline
+# (the null filter, the filter built on the plain reference stages, and
+# ghostscript rendering the same card pages), and the medians, the median
+# of the per-pair ratios and the peak resident set sizes go into a table.
+#
+# Usage: bench/run-jobs.sh [-b BUILD_DIR] [-n RUNS] [-o TABLE_FILE]
+#   BUILD_DIR  a build configured with -DBRELLIAN_BUILD_BENCH=ON, built in
+#              Release mode (default: build-bench, configured and built here)
+#   RUNS       pairs per comparison (default 9)
+#   TABLE_FILE where the table is written as well (default BUILD_DIR/bench/jobs.txt)
+# Times are wall-clock seconds; a loaded machine widens them, the ratios of
+# alternating pairs much less.  Nothing here fails on a time.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+build=build-bench
+runs=9
+table=""
+while getopts "b:n:o:" opt; do
+  case $opt in
+    b) build=$OPTARG ;;
+    n) runs=$OPTARG ;;
+    o) table=$OPTARG ;;
+    *) sed -n '8,13p' "$0"; exit 2 ;;
+  esac
+done
+if [ ! -x "$build/bench/brellian-nullfilter" ]; then
+  cmake -S . -B "$build" -DBRELLIAN_BUILD_BENCH=ON -DCMAKE_BUILD_TYPE=Release \
+    -DBRELLIAN_SYSROOT="$PWD/$build/sysroot" >/dev/null
+fi
+cmake --build "$build" -j2 --target rastertobrellian brellian-nullfilter brellian-reffilter \
+  brellian-rasterwrite brellian_ppds >/dev/null
+[ -n "$table" ] || table="$build/bench/jobs.txt"
+work="$build/bench/jobs"
+mkdir -p "$work"
+filter="$build/rastertobrellian"
+reffilter="$build/bench/brellian-reffilter"
+nullfilter="$build/bench/brellian-nullfilter"
+write="$build/tools/brellian-rasterwrite"
+pdf=docs/samples/sample-card.pdf
+
+# One side is colour, black, UV and overlay pages; a duplex job has both.
+options="frontRibbon=ColorK backRibbon=ColorK frontResin=Page backResin=Page frontUV=Page backUV=Page frontPO=Page backPO=Page"
+
+# 'make_job NAME PAGES WIDTH HEIGHT DPI [writer options]' - A job of
+# pattern pages (colour bars over a grey ramp, so the black panel diffuses).
+make_job() {
+  local name=$1 pages=$2 w=$3 h=$4 dpi=$5
+  shift 5
+  local args=()
+  for ((i = 0; i < pages; ++i)); do args+=(pattern); done
+  "$write" -W "$w" -H "$h" -r "$dpi" "$@" -o "$work/$name.ras" "${args[@]}"
+}
+make_job panel600 8 2072 1328 600 --duplex
+make_job panel600z 8 2072 1328 600 --duplex -c
+make_job cr80 8 2022 1276 600 --duplex
+make_job cr80z 8 2022 1276 600 --duplex -c
+make_job portrait600 8 1328 2072 600 --duplex
+make_job page600 1 2072 1328 600
+make_job panel300 8 1036 664 300 --duplex
+make_job panel300z 8 1036 664 300 --duplex -c
+make_job cr80at300 8 1011 638 300 --duplex
+# The card document repeated to eight pages, for ghostscript.
+gs_pages=("$pdf" "$pdf" "$pdf" "$pdf")
+
+# 'run_one KIND JOB' - Run one program on one job through pipes; prints
+# "seconds peak-KiB".
+run_one() {
+  local kind=$1 job=$2 ppd t0 t1 rss
+  ppd="$PWD/$build/ppd/br1060.ppd"
+  case $job in *300*) ppd="$PWD/$build/ppd/br1030.ppd" ;; esac
+  local stats="$work/time.txt"
+  t0=$(date +%s%N)
+  case $kind in
+    filter | reffilter | nullfilter)
+      local prog=$filter
+      [ "$kind" = reffilter ] && prog=$reffilter
+      [ "$kind" = nullfilter ] && prog=$nullfilter
+      cat "$work/$job.ras" | PPD=$ppd /usr/bin/time -f "%M" -o "$stats" \
+        "$prog" 1 bench bench 1 "$options" 2>/dev/null | cat >/dev/null ;;
+    gs-panel)   # the card pages fitted to the 600 dpi panel size
+      /usr/bin/time -f "%M" -o "$stats" gs -q -dNOPAUSE -dBATCH -dSAFER -sDEVICE=cups \
+        -dcupsColorSpace=1 -dcupsBitsPerColor=8 -r600 -dDEVICEWIDTHPOINTS=248.64 \
+        -dDEVICEHEIGHTPOINTS=159.36 -dFIXEDMEDIA -dPDFFitPage -sOutputFile=- \
+        "${gs_pages[@]}" 2>/dev/null | cat >/dev/null ;;
+    gs-cr80)    # the card pages at their own size, 2022 x 1276 at 600 dpi
+      /usr/bin/time -f "%M" -o "$stats" gs -q -dNOPAUSE -dBATCH -dSAFER -sDEVICE=cups \
+        -dcupsColorSpace=1 -dcupsBitsPerColor=8 -r600 -sOutputFile=- \
+        "${gs_pages[@]}" 2>/dev/null | cat >/dev/null ;;
+  esac
+  t1=$(date +%s%N)
+  rss=$(tail -n 1 "$stats")
+  echo "$(( (t1 - t0) / 1000 )) $rss"
+}
+
+# 'median' - Median of the numbers on standard input.
+median() { sort -g | awk '{v[NR] = $1} END {print (NR % 2) ? v[(NR + 1) / 2] : (v[NR / 2] + v[NR / 2 + 1]) / 2}'; }
+
+# 'compare JOB A B' - runs pairs of A then B (alternating which goes first)
+# and prints one table row.
+compare() {
+  local job=$1 a=$2 b=$3 ta=() tb=() ra=() rb=() ratios=() x y
+  run_one "$a" "$job" >/dev/null   # warm the page cache and the binaries
+  run_one "$b" "$job" >/dev/null
+  for ((i = 0; i < runs; ++i)); do
+    if ((i % 2 == 0)); then x=$(run_one "$a" "$job"); y=$(run_one "$b" "$job")
+    else y=$(run_one "$b" "$job"); x=$(run_one "$a" "$job"); fi
+    ta+=("${x% *}"); ra+=("${x#* }"); tb+=("${y% *}"); rb+=("${y#* }")
+    ratios+=("$(awk -v p="${x% *}" -v q="${y% *}" 'BEGIN {printf "%.4f", p / q}')")
+  done
+  local ma mb mr pa pb
+  ma=$(printf '%s\n' "${ta[@]}" | median)
+  mb=$(printf '%s\n' "${tb[@]}" | median)
+  mr=$(printf '%s\n' "${ratios[@]}" | median)
+  pa=$(printf '%s\n' "${ra[@]}" | sort -g | tail -n 1)
+  pb=$(printf '%s\n' "${rb[@]}" | sort -g | tail -n 1)
+  awk -v j="$job" -v a="$a" -v b="$b" -v ma="$ma" -v mb="$mb" -v mr="$mr" -v pa="$pa" -v pb="$pb" \
+    'BEGIN {printf "%-12s %-10s %-11s %8.3f %8.3f %7.3f %9.1f %9.1f\n", j, a, b, ma / 1e6, mb / 1e6, mr, pa / 1024, pb / 1024}'
+}
+
+{
+  echo "Whole-job benchmark, $(date -u '+%Y-%m-%d %H:%M UTC'), $(nproc) cores, load $(cut -d' ' -f1-3 /proc/loadavg), $runs pairs"
+  printf '%-12s %-10s %-11s %8s %8s %7s %9s %9s\n' job A B "A s" "B s" "A/B" "A MiB" "B MiB"
+  compare panel600 filter nullfilter
+  compare panel600z filter nullfilter
+  compare cr80 filter nullfilter
+  compare cr80z filter nullfilter
+  compare portrait600 filter nullfilter
+  compare page600 filter nullfilter
+  compare panel300 filter nullfilter
+  compare panel300z filter nullfilter
+  compare cr80at300 filter nullfilter
+  compare panel600 filter reffilter
+  compare cr80 filter reffilter
+  compare panel600 filter gs-panel
+  compare cr80 filter gs-cr80
+} | tee "$table"
+echo "Table written to $table"
