@@ -6,6 +6,7 @@
 
 #include "driver/printing_task.h"
 #include "log/log.h"
+#include "util/raster_field.h"
 
 namespace {
 
@@ -25,6 +26,13 @@ const char* const kDumpedVariables[] = {
 
 // Header strings may fill their field without a terminating zero, so they
 // are printed with the field's size as the bound.
+// 'Dump_Int()' - A header word as a signed number; enumeration fields are
+// read as plain words, since the stream may hold any value in them.
+template <typename T>
+int Dump_Int(const T& field) {
+  return static_cast<int>(Raster_Word(field));
+}
+
 #define DUMP_FIELD(field) static_cast<int>(sizeof(field)), (field)
 
 }  // namespace
@@ -52,47 +60,47 @@ int32_t Page_DumpHeader(TPrintingTask*, const cups_page_header2_t* h) {
   Log_Write(LOG_LOG, "Media Color:              [%.*s]", DUMP_FIELD(h->MediaColor));
   Log_Write(LOG_LOG, "Media Type:               [%.*s]", DUMP_FIELD(h->MediaType));
   Log_Write(LOG_LOG, "Output Type:              [%.*s]", DUMP_FIELD(h->OutputType));
-  Log_Write(LOG_LOG, "Advance Distance:         [%d]", static_cast<int>(h->AdvanceDistance));
-  Log_Write(LOG_LOG, "Advance Media:            [%d]", static_cast<int>(h->AdvanceMedia));
-  Log_Write(LOG_LOG, "Collate:                  [%d]", static_cast<int>(h->Collate));
-  Log_Write(LOG_LOG, "Cut Media:                [%d]", static_cast<int>(h->CutMedia));
-  Log_Write(LOG_LOG, "Duplex:                   [%d]", static_cast<int>(h->Duplex));
-  Log_Write(LOG_LOG, "HW Resolution (DPI):      [%d][%d]", static_cast<int>(h->HWResolution[0]),
-            static_cast<int>(h->HWResolution[1]));
+  Log_Write(LOG_LOG, "Advance Distance:         [%d]", Dump_Int(h->AdvanceDistance));
+  Log_Write(LOG_LOG, "Advance Media:            [%d]", Dump_Int(h->AdvanceMedia));
+  Log_Write(LOG_LOG, "Collate:                  [%d]", Dump_Int(h->Collate));
+  Log_Write(LOG_LOG, "Cut Media:                [%d]", Dump_Int(h->CutMedia));
+  Log_Write(LOG_LOG, "Duplex:                   [%d]", Dump_Int(h->Duplex));
+  Log_Write(LOG_LOG, "HW Resolution (DPI):      [%d][%d]", Dump_Int(h->HWResolution[0]),
+            Dump_Int(h->HWResolution[1]));
   Log_Write(LOG_LOG, "Imaging Bounding Box:     [%d][%d][%d][%d]",
-            static_cast<int>(h->ImagingBoundingBox[0]), static_cast<int>(h->ImagingBoundingBox[1]),
-            static_cast<int>(h->ImagingBoundingBox[2]), static_cast<int>(h->ImagingBoundingBox[3]));
-  Log_Write(LOG_LOG, "Insert Sheet:             [%d]", static_cast<int>(h->InsertSheet));
-  Log_Write(LOG_LOG, "Jog:                      [%d]", static_cast<int>(h->Jog));
-  Log_Write(LOG_LOG, "Leading Edge:             [%d]", static_cast<int>(h->LeadingEdge));
-  Log_Write(LOG_LOG, "Margins:                  [%d][%d]", static_cast<int>(h->Margins[0]),
-            static_cast<int>(h->Margins[1]));
-  Log_Write(LOG_LOG, "Manual Feed:              [%d]", static_cast<int>(h->ManualFeed));
-  Log_Write(LOG_LOG, "Media Position:           [%d]", static_cast<int>(h->MediaPosition));
-  Log_Write(LOG_LOG, "Media Weight:             [%d]", static_cast<int>(h->MediaWeight));
-  Log_Write(LOG_LOG, "Mirror Print:             [%d]", static_cast<int>(h->MirrorPrint));
-  Log_Write(LOG_LOG, "Negative Print:           [%d]", static_cast<int>(h->NegativePrint));
-  Log_Write(LOG_LOG, "Num Copies:               [%d]", static_cast<int>(h->NumCopies));
-  Log_Write(LOG_LOG, "Orientation:              [%d]", static_cast<int>(h->Orientation));
-  Log_Write(LOG_LOG, "Output Face Up:           [%d]", static_cast<int>(h->OutputFaceUp));
-  Log_Write(LOG_LOG, "Page Size:                [%d][%d]", static_cast<int>(h->PageSize[0]),
-            static_cast<int>(h->PageSize[1]));
-  Log_Write(LOG_LOG, "Separation:               [%d]", static_cast<int>(h->Separations));
-  Log_Write(LOG_LOG, "Tray Switch:              [%d]", static_cast<int>(h->TraySwitch));
-  Log_Write(LOG_LOG, "Tumble:                   [%d]", static_cast<int>(h->Tumble));
-  Log_Write(LOG_LOG, "CUPS Width:               [%d]", static_cast<int>(h->cupsWidth));
-  Log_Write(LOG_LOG, "CUPS Height:              [%d]", static_cast<int>(h->cupsHeight));
-  Log_Write(LOG_LOG, "CUPS Media Type:          [%d]", static_cast<int>(h->cupsMediaType));
-  Log_Write(LOG_LOG, "CUPS Bits Per Color:      [%d]", static_cast<int>(h->cupsBitsPerColor));
-  Log_Write(LOG_LOG, "CUPS Bits Per Pixel:      [%d]", static_cast<int>(h->cupsBitsPerPixel));
-  Log_Write(LOG_LOG, "CUPS Bytes Per Line:      [%d]", static_cast<int>(h->cupsBytesPerLine));
-  Log_Write(LOG_LOG, "CUPS Color Order:         [%d]", static_cast<int>(h->cupsColorOrder));
-  Log_Write(LOG_LOG, "CUPS Color Space:         [%d]", static_cast<int>(h->cupsColorSpace));
-  Log_Write(LOG_LOG, "CUPS Compression:         [%d]", static_cast<int>(h->cupsCompression));
-  Log_Write(LOG_LOG, "CUPS Row Count:           [%d]", static_cast<int>(h->cupsRowCount));
-  Log_Write(LOG_LOG, "CUPS Row Feed:            [%d]", static_cast<int>(h->cupsRowFeed));
-  Log_Write(LOG_LOG, "CUPS Row Step:            [%d]", static_cast<int>(h->cupsRowStep));
-  Log_Write(LOG_LOG, "CUPS Num Colors:          [%d]", static_cast<int>(h->cupsNumColors));
+            Dump_Int(h->ImagingBoundingBox[0]), Dump_Int(h->ImagingBoundingBox[1]),
+            Dump_Int(h->ImagingBoundingBox[2]), Dump_Int(h->ImagingBoundingBox[3]));
+  Log_Write(LOG_LOG, "Insert Sheet:             [%d]", Dump_Int(h->InsertSheet));
+  Log_Write(LOG_LOG, "Jog:                      [%d]", Dump_Int(h->Jog));
+  Log_Write(LOG_LOG, "Leading Edge:             [%d]", Dump_Int(h->LeadingEdge));
+  Log_Write(LOG_LOG, "Margins:                  [%d][%d]", Dump_Int(h->Margins[0]),
+            Dump_Int(h->Margins[1]));
+  Log_Write(LOG_LOG, "Manual Feed:              [%d]", Dump_Int(h->ManualFeed));
+  Log_Write(LOG_LOG, "Media Position:           [%d]", Dump_Int(h->MediaPosition));
+  Log_Write(LOG_LOG, "Media Weight:             [%d]", Dump_Int(h->MediaWeight));
+  Log_Write(LOG_LOG, "Mirror Print:             [%d]", Dump_Int(h->MirrorPrint));
+  Log_Write(LOG_LOG, "Negative Print:           [%d]", Dump_Int(h->NegativePrint));
+  Log_Write(LOG_LOG, "Num Copies:               [%d]", Dump_Int(h->NumCopies));
+  Log_Write(LOG_LOG, "Orientation:              [%d]", Dump_Int(h->Orientation));
+  Log_Write(LOG_LOG, "Output Face Up:           [%d]", Dump_Int(h->OutputFaceUp));
+  Log_Write(LOG_LOG, "Page Size:                [%d][%d]", Dump_Int(h->PageSize[0]),
+            Dump_Int(h->PageSize[1]));
+  Log_Write(LOG_LOG, "Separation:               [%d]", Dump_Int(h->Separations));
+  Log_Write(LOG_LOG, "Tray Switch:              [%d]", Dump_Int(h->TraySwitch));
+  Log_Write(LOG_LOG, "Tumble:                   [%d]", Dump_Int(h->Tumble));
+  Log_Write(LOG_LOG, "CUPS Width:               [%d]", Dump_Int(h->cupsWidth));
+  Log_Write(LOG_LOG, "CUPS Height:              [%d]", Dump_Int(h->cupsHeight));
+  Log_Write(LOG_LOG, "CUPS Media Type:          [%d]", Dump_Int(h->cupsMediaType));
+  Log_Write(LOG_LOG, "CUPS Bits Per Color:      [%d]", Dump_Int(h->cupsBitsPerColor));
+  Log_Write(LOG_LOG, "CUPS Bits Per Pixel:      [%d]", Dump_Int(h->cupsBitsPerPixel));
+  Log_Write(LOG_LOG, "CUPS Bytes Per Line:      [%d]", Dump_Int(h->cupsBytesPerLine));
+  Log_Write(LOG_LOG, "CUPS Color Order:         [%d]", Dump_Int(h->cupsColorOrder));
+  Log_Write(LOG_LOG, "CUPS Color Space:         [%d]", Dump_Int(h->cupsColorSpace));
+  Log_Write(LOG_LOG, "CUPS Compression:         [%d]", Dump_Int(h->cupsCompression));
+  Log_Write(LOG_LOG, "CUPS Row Count:           [%d]", Dump_Int(h->cupsRowCount));
+  Log_Write(LOG_LOG, "CUPS Row Feed:            [%d]", Dump_Int(h->cupsRowFeed));
+  Log_Write(LOG_LOG, "CUPS Row Step:            [%d]", Dump_Int(h->cupsRowStep));
+  Log_Write(LOG_LOG, "CUPS Num Colors:          [%d]", Dump_Int(h->cupsNumColors));
   Log_Write(LOG_LOG, "CUPS Borderless Scaling:  [%f]",
             static_cast<double>(h->cupsBorderlessScalingFactor));
   Log_Write(LOG_LOG, "CUPS Page Size:           [%f][%f]", static_cast<double>(h->cupsPageSize[0]),
@@ -104,7 +112,7 @@ int32_t Page_DumpHeader(TPrintingTask*, const cups_page_header2_t* h) {
   Log_Write(LOG_LOG, "CUPS Rendering Intent:    [%.*s]", DUMP_FIELD(h->cupsRenderingIntent));
   Log_Write(LOG_LOG, "CUPS Page Size Name:      [%.*s]", DUMP_FIELD(h->cupsPageSizeName));
   for (int i = 0; i < 16; ++i)
-    Log_Write(LOG_LOG, "CUPS Integer:         %2d. [%d]", i + 1, static_cast<int>(h->cupsInteger[i]));
+    Log_Write(LOG_LOG, "CUPS Integer:         %2d. [%d]", i + 1, Dump_Int(h->cupsInteger[i]));
   for (int i = 0; i < 16; ++i)
     Log_Write(LOG_LOG, "CUPS Real:            %2d. [%f]", i + 1, static_cast<double>(h->cupsReal[i]));
   for (int i = 0; i < 16; ++i)

@@ -17,6 +17,7 @@
 #include "jobstream/framing.h"
 #include "log/log.h"
 #include "options/read_options.h"
+#include "util/raster_field.h"
 #include "util/safe_file.h"
 #include "util/sys.h"
 
@@ -120,8 +121,8 @@ void TPrintingTask::run() {
   cups_page_header2_t header;
   while (!cancelled && raster && cupsRasterReadHeader2(raster, &header)) {
     Page_DumpHeader(this, &header);
-    duplex = header.Duplex ? 1 : 0;
-    tumble = header.Tumble ? 1 : 0;
+    duplex = Raster_Word(header.Duplex) ? 1 : 0;
+    tumble = Raster_Word(header.Tumble) ? 1 : 0;
     ++page;
     CUPS_AllocPage(this, &header);
     ++pageCount;

@@ -10,6 +10,7 @@
 #include "imaging/resample.h"
 #include "imaging/stages.h"
 #include "log/log.h"
+#include "util/raster_field.h"
 
 namespace {
 
@@ -74,7 +75,7 @@ int32_t Image_CUPSToPrinterRGB(TPrintingTask* task, uint8_t** out) {
   uint32_t w = header->cupsWidth, h = header->cupsHeight, lineBytes = header->cupsBytesPerLine;
   uint32_t bpp = w ? lineBytes / w : 0;   // a zero width reads as 0 bytes per pixel
 
-  int32_t colorants = Convert_Colorants(header->cupsColorSpace);
+  int32_t colorants = Convert_Colorants(Raster_Word(header->cupsColorSpace));
   if (colorants != 0) {
     if (bpp == 3) Log_Write(LOG_LOG, "ERR: CUPS number planes = %d.  Only supports 1.", colorants);
     else Log_Write(LOG_LOG, "ERR: CUPS bytes per pixel = %d.  Only supports 3.", bpp);
