@@ -9,12 +9,14 @@
 #include "options/option_source.h"
 
 #include <cstdio>
+#include <fcntl.h>
 #include <strings.h>
 
 #include <cups/cups.h>
 #include <cups/ppd.h>
 
 #include "log/log.h"
+#include "util/safe_file.h"
 
 namespace {
 
@@ -55,7 +57,11 @@ TOptionSource::~TOptionSource() { Close(); }
 bool TOptionSource::Open(const char* path) {
   Close();
   if (!path || !*path) return false;
-  ppd_ = ppdOpenFile(path);
+  // A regular file only: a FIFO would block the job and a symbolic link
+  // could point the filter at any file.  ppdOpenFd closes the descriptor.
+  int fd = File_OpenRegular(path, O_RDONLY);
+  if (fd < 0) return false;
+  ppd_ = ppdOpenFd(fd);
   return ppd_ != nullptr;
 }
 

@@ -14,7 +14,8 @@ class TOptionSource {
   TOptionSource(const TOptionSource&) = delete;
   TOptionSource& operator=(const TOptionSource&) = delete;
 
-  // 'Open()' - Open the PPD file at path; false when it can't be read.
+  // 'Open()' - Open the PPD file at path (a regular file, not through a
+  // symbolic link); false when it can't be read.
   bool Open(const char* path);
   bool IsOpen() const { return ppd_ != nullptr; }
 
