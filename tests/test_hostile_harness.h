@@ -1,0 +1,78 @@
+// Running the filter on hostile input: a deadline, memory and file checks.
+// Copyright 2026 The rastertobrellian authors.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+// How standard output of the filter is connected.
+enum class THostileStdout { Pipe, Closed, Full };
+
+struct THostileRun {
+  std::vector<std::string> args = {"7", "user", "title", "1", ""};
+  std::string input;                          // standard input through a pipe
+  std::map<std::string, std::string> env;     // added to or replacing the environment
+  std::vector<std::string> unsetEnv;
+  THostileStdout stdoutMode = THostileStdout::Pipe;
+  double deadlineSeconds = 20;                // the process is killed after this
+  // With sigtermOnErr set: write only the first sigtermAfterBytes of input,
+  // wait until standard error holds sigtermOnErr, wait sigtermDelayMs, send
+  // SIGTERM, then write the rest of the input.
+  std::string sigtermOnErr;
+  size_t sigtermAfterBytes = 0;
+  int sigtermDelayMs = 200;
+};
+
+struct THostileResult {
+  int status = -1;          // exit status, or 128 + signal number
+  bool timedOut = false;    // killed at the deadline
+  std::string out;
+  std::string err;
+  long maxRssKb = 0;        // peak resident size of the filter
+  std::vector<std::string> strayFiles;   // files written outside the two directories
+};
+
+// 'Hostile_Run()' - Run the built filter with the given case in an empty
+// working directory, HOME and TMPDIR of its own; report every file that
+// appeared anywhere in those or in the test system tree outside the
+// configuration and log directories.
+THostileResult Hostile_Run(const THostileRun& run);
+
+// 'Hostile_Scratch()' - A fresh empty directory for one case's own files
+// (inside the test build, outside the two system directories).
+std::string Hostile_Scratch(const std::string& name);
+
+// 'Hostile_Header()' - A hand-made version-3 (uncompressed) raster page
+// header of 1796 bytes with the given words; the rest zero.
+struct THostileHeader {
+  uint32_t width = 8, height = 2, bytesPerLine = 24, bitsPerColor = 8, bitsPerPixel = 24;
+  uint32_t colorSpace = 1, colorOrder = 0, numCopies = 1, duplex = 0, tumble = 0;
+  bool terminateStrings = true;   // false: every string field full, no zero
+};
+std::string Hostile_HeaderBytes(const THostileHeader& h);
+// 'Hostile_Stream()' - The uncompressed sync word (little-endian) followed by pages of header and data.
+std::string Hostile_Stream(const std::vector<std::string>& pages);
+
+// Peak resident size any case may reach: the largest page buffer the caps
+// allow (256 MiB), the panel images and, in the sanitizer build, shadow
+// memory.
+constexpr long HOSTILE_MAX_RSS_KB = 900L * 1024L;
+
+// 'Hostile_Clean()' - No timeout, no sanitizer report, bounded memory and no
+// file written outside the two system directories.
+bool Hostile_Clean(const THostileResult& r, std::string* why);
+
+// 'Hostile_ProgressErr()' - The standard error of a job whose pages have
+// the given heights and are all read whole, ending "INFO: Ready to print.".
+std::string Hostile_ProgressErr(const std::vector<uint32_t>& heights);
+
+// 'Hostile_RecordTypes()' - Record types of a job command stream; a stream
+// that does not end on a record boundary gets a final 0xFFFF.
+std::vector<uint16_t> Hostile_RecordTypes(const std::string& stream);
+
+// 'Hostile_LogHas()' - True when a log line, without its leading space and
+// indentation, is text.
+bool Hostile_LogHas(const std::vector<std::string>& log, const std::string& text);
