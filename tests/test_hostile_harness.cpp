@@ -151,7 +151,7 @@ THostileResult Hostile_Run(const THostileRun& run) {
     }
     if (!sigtermSent && result.err.find(run.sigtermOnErr) != std::string::npos) {
       usleep(static_cast<useconds_t>(run.sigtermDelayMs) * 1000);
-      kill(pid, SIGTERM);
+      kill(pid, run.signal);
       sigtermSent = true;
       limit = run.input.size();
     }

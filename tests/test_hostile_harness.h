@@ -24,6 +24,7 @@ struct THostileRun {
   std::string sigtermOnErr;
   size_t sigtermAfterBytes = 0;
   int sigtermDelayMs = 200;
+  int signal = 15;                            // the signal sent (SIGTERM)
 };
 
 struct THostileResult {

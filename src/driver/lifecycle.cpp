@@ -10,6 +10,7 @@
 #include "driver/globals.h"
 #include "driver/printing_task.h"
 #include "log/log.h"
+#include "util/signal_block.h"
 
 namespace {
 
@@ -47,6 +48,9 @@ void Proc_InstallSignalHandlers() {
 void Proc_InstallCancelHandler() { signal(SIGTERM, Proc_CancelSignal); }
 
 void Proc_ExitHandler() {
+  // Held for good: the process ends here, and a second signal must not call
+  // exit() again while the task is being destroyed.
+  TSignalBlock hold;
   if (g_printingTask) {
     TPrintingTask* task = g_printingTask;
     g_printingTask = nullptr;

@@ -19,6 +19,7 @@
 #include "options/read_options.h"
 #include "util/raster_field.h"
 #include "util/safe_file.h"
+#include "util/signal_block.h"
 #include "util/sys.h"
 
 namespace {
@@ -129,8 +130,11 @@ void TPrintingTask::run() {
     fprintf(stderr, "PAGE: %d %d\n", page, static_cast<int>(header.NumCopies));
     Loop_ReadRows(this, raster, header, page);
     if (!g_cancelJob && !jobComplete) Page_Process(this, &header);
-    free(pageBuffer);
-    pageBuffer = nullptr;
+    {
+      TSignalBlock hold;   // no exit handler while the allocator is busy
+      free(pageBuffer);
+      pageBuffer = nullptr;
+    }
     pageHeader = nullptr;
     if (g_cancelJob) cancelled = true;
   }

@@ -12,6 +12,7 @@
 #include "driver/globals.h"
 #include "driver/printing_task.h"
 #include "log/log.h"
+#include "util/signal_block.h"
 
 std::map<uint32_t, TPanelGeometry> g_panelGeometry;
 std::map<uint32_t, uint32_t> g_modelResolution;
@@ -68,12 +69,15 @@ bool CUPS_PageBytes(const cups_page_header2_t* header, uint64_t* bytes) {
 int32_t CUPS_AllocPage(TPrintingTask* task, const cups_page_header2_t* header) {
   Log_Write(LOG_LOG, "CUPS_AllocPage(%d,%d,%d)", static_cast<int>(header->cupsWidth),
             static_cast<int>(header->cupsHeight), static_cast<int>(header->cupsBytesPerLine));
-  free(task->pageBuffer);
-  task->pageBuffer = nullptr;
   uint64_t bytes = 0;
   uint8_t* block = nullptr;
-  if (CUPS_PageBytes(header, &bytes))
-    block = static_cast<uint8_t*>(calloc(1, bytes ? static_cast<size_t>(bytes) : 1));
+  {
+    TSignalBlock hold;   // no exit handler while the allocator is busy
+    free(task->pageBuffer);
+    task->pageBuffer = nullptr;
+    if (CUPS_PageBytes(header, &bytes))
+      block = static_cast<uint8_t*>(calloc(1, bytes ? static_cast<size_t>(bytes) : 1));
+  }
   if (!block) {
     fputs("ERROR: Unable to allocate memory!\n", stderr);
     g_exitStatus = 1;
