@@ -7,6 +7,7 @@
 
 #include "raster_writer.h"
 #include "sample_card.h"
+#include "util/safe_file.h"
 
 static int Usage(FILE* f) {
   fprintf(f,
@@ -50,7 +51,8 @@ int main(int argc, char** argv) {
     fprintf(stderr, "brellian-samplecard: libcups refused to write the raster stream\n");
     return 1;
   }
-  FILE* f = strcmp(output, "-") == 0 ? stdout : fopen(output, "wb");
+  // A regular file only: never written through a symbolic link.
+  FILE* f = strcmp(output, "-") == 0 ? stdout : File_FOpenRegular(output, "wb");
   if (!f) {
     perror("brellian-samplecard: cannot create the output file");
     return 1;
