@@ -111,6 +111,15 @@ std::function<void()> Uv(TKind kind) {
     MakeHostile(UvPath(), kind, RealFile());
   };
 }
+// 'UvSized()' - A UV preset of the 1060's panel size plus delta bytes.
+std::function<void()> UvSized(long delta) {
+  return [delta] {
+    PlantSettings();
+    Test_RemoveTree(UvPath());
+    Test_MakeDirs(std::string(BRELLIAN_CONF_DIR) + "/uv");
+    Test_WriteFile(UvPath(), std::string(static_cast<size_t>(2072L * 1328L + delta), '\x80'));
+  };
+}
 std::function<void()> Settings(TKind kind) {
   return [kind] {
     TBrellianSettings s;
@@ -126,6 +135,10 @@ std::string LutNotUsable(const std::string& why) {
   return "ERROR:   LUT Table not usable: (" + LutPath() + ")(" + why + ")";
 }
 std::string UvNotFound() { return "frontUV: clear preset (file not found)(" + UvPath() + ")"; }
+std::string UvUnreadable() {
+  return "ERROR: Page_ProcessSubPage_UVManual --> unable to read file (" + UvPath() + ")";
+}
+const char* const kUvPanel = ">>>> Page_PrintSidePanel(2)(2072)(1328)(29)(60088)";
 std::string SettingsFailed(int error) {
   return "TBrellianSettings::Load --> failed to open settings file (" + std::to_string(error) + ")";
 }
@@ -150,6 +163,8 @@ const TFileCase kCases[] = {
     {"UvDirectory", Uv(TKind::Directory), kUv1, kSerial, {UvNotFound()}, {}},
     {"UvFifo", Uv(TKind::Fifo), kUv1, kSerial, {UvNotFound()}, {}},
     {"UvSymlink", Uv(TKind::Symlink), kUv1, kSerial, {UvNotFound()}, {}},
+    {"UvOneByteShort", UvSized(-1), kUv1, kSerial, {UvUnreadable()}, {kUvPanel}},
+    {"UvOneByteLong", UvSized(1), kUv1, kSerial, {kUvPanel}, {UvUnreadable()}},
 };
 
 void PrintTo(const TFileCase& c, std::ostream* os) { *os << c.name; }

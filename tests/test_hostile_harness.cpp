@@ -268,3 +268,10 @@ bool Hostile_LogHas(const std::vector<std::string>& log, const std::string& text
   }
   return false;
 }
+
+std::vector<uint16_t> Hostile_SimplexColorCard(uint32_t height, uint32_t rowsPerRecord) {
+  std::vector<uint16_t> t = {1, 3, 6, 11, 8};
+  for (uint32_t row = 0; row < height; row += rowsPerRecord) t.push_back(10);
+  for (uint16_t r : {9, 7, 4, 2}) t.push_back(r);
+  return t;
+}

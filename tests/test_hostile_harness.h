@@ -77,3 +77,8 @@ std::vector<uint16_t> Hostile_RecordTypes(const std::string& stream);
 // 'Hostile_LogHas()' - True when a log line, without its leading space and
 // indentation, is text.
 bool Hostile_LogHas(const std::vector<std::string>& log, const std::string& text);
+
+// 'Hostile_SimplexColorCard()' - Record types of a job of one simplex
+// colour card whose panel of the given height goes out in records of
+// rowsPerRecord rows.
+std::vector<uint16_t> Hostile_SimplexColorCard(uint32_t height, uint32_t rowsPerRecord);

@@ -56,6 +56,7 @@ std::string Compressed60000() {
 
 const std::vector<uint16_t> kHeaderOnly = {1};
 const std::vector<uint16_t> kHeaderFooter = {1, 2};
+const std::vector<uint16_t> kCard = Hostile_SimplexColorCard(1328, 9);
 
 const TRasterCase kCases[] = {
     {"EmptyInput", [] { return std::string(); }, 1, kNoPages, kHeaderFooter, {}},
@@ -64,11 +65,12 @@ const TRasterCase kCases[] = {
     {"HeaderCutShort", [] { return Hostile_Stream({Hostile_HeaderBytes(Page(8, 2, 24)).substr(0, 1000)}); },
      1, kNoPages, kHeaderFooter, {}},
     {"PageCutMidRow", [] { return OnePage(Page(8, 2, 24), 30); }, 0, Hostile_ProgressErr({2}),
-     kHeaderFooter, {"CUPS_AllocPage(8,2,24)"}},
+     kCard, {"CUPS_AllocPage(8,2,24)"}},
     {"WidthZero", [] { return OnePage(Page(0, 2, 24), 48); }, 0, Hostile_ProgressErr({2}),
-     kHeaderFooter, {"CUPS_AllocPage(0,2,24)", "CUPS Width:               [0]"}},
+     kHeaderFooter, {"CUPS_AllocPage(0,2,24)", "CUPS Width:               [0]",
+      "ERR: CUPS bytes per pixel = 0.  Only supports 3."}},
     {"WidthWrapsThreeBytesPerLine", [] { return OnePage(Page(536870913, 2, 3), 6); }, 0,
-     Hostile_ProgressErr({2}), kHeaderFooter, {"CUPS_AllocPage(536870913,2,3)"}},
+     Hostile_ProgressErr({2}), kHeaderFooter, {"CUPS_AllocPage(536870913,2,3)", "ERR: CUPS bytes per pixel = 0.  Only supports 3."}},
     {"Page65536Square", [] { return OnePage(Page(65536, 65536, 196608), 0); }, 1, kNoMemory,
      kHeaderOnly, {"CUPS_AllocPage(65536,65536,196608)"}},
     {"Compressed60000Square", Compressed60000, 1, kNoMemory, kHeaderOnly,
@@ -86,7 +88,7 @@ const TRasterCase kCases[] = {
        h.terminateStrings = false;
        return OnePage(h, 48);
      },
-     0, Hostile_ProgressErr({2}), kHeaderFooter,
+     0, Hostile_ProgressErr({2}), kCard,
      {"Media Class:              [" + std::string(64, 'S') + "]",
       "Output Type:              [" + std::string(64, 'S') + "]",
       "CUPS Page Size Name:      [" + std::string(64, 'T') + "]",
@@ -98,7 +100,7 @@ const TRasterCase kCases[] = {
        h.bitsPerPixel = 32;
        return OnePage(h, 64);
      },
-     0, Hostile_ProgressErr({2}), kHeaderFooter, {"CUPS Color Space:         [8]"}},
+     0, Hostile_ProgressErr({2}), kHeaderFooter, {"CUPS Color Space:         [8]", "ERR: CUPS bytes per pixel = 4.  Only supports 3."}},
     {"GrayPage",
      [] {
        THostileHeader h = Page(8, 2, 8);
@@ -106,7 +108,7 @@ const TRasterCase kCases[] = {
        h.bitsPerPixel = 8;
        return OnePage(h, 16);
      },
-     0, Hostile_ProgressErr({2}), kHeaderFooter, {"CUPS_AllocPage(8,2,8)"}},
+     0, Hostile_ProgressErr({2}), kHeaderFooter, {"CUPS_AllocPage(8,2,8)", "ERR: CUPS bytes per pixel = 1.  Only supports 3."}},
     {"EnumFieldsOutOfRange",
      [] {
        THostileHeader h = Page(8, 2, 24);
@@ -114,12 +116,12 @@ const TRasterCase kCases[] = {
        h.tumble = 0x80000000u;
        return OnePage(h, 48);
      },
-     0, Hostile_ProgressErr({2}), kHeaderFooter,
+     0, Hostile_ProgressErr({2}), kCard,
      {"Duplex:                   [107]", "Tumble:                   [-2147483648]"}},
     {"OneByHundredThousand", [] { return OnePage(Page(1, 100000, 3), 300000); }, 0,
-     Hostile_ProgressErr({100000}), kHeaderFooter, {"CUPS_AllocPage(1,100000,3)"}},
+     Hostile_ProgressErr({100000}), kCard, {"CUPS_AllocPage(1,100000,3)"}},
     {"HundredThousandByOne", [] { return OnePage(Page(100000, 1, 300000), 300000); }, 0,
-     Hostile_ProgressErr({1}), kHeaderFooter, {"CUPS_AllocPage(100000,1,300000)"}},
+     Hostile_ProgressErr({1}), kCard, {"CUPS_AllocPage(100000,1,300000)"}},
 };
 
 void PrintTo(const TRasterCase& c, std::ostream* os) { *os << c.name; }
