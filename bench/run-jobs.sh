@@ -131,9 +131,13 @@ compare() {
   compare panel300 filter nullfilter
   compare panel300z filter nullfilter
   compare cr80at300 filter nullfilter
-  compare panel600 filter reffilter
-  compare cr80 filter reffilter
+  # Against the reference stages, and against ghostscript (which writes
+  # uncompressed raster) with the filter reading either form.
+  compare panel600z filter reffilter
+  compare cr80z filter reffilter
   compare panel600 filter gs-panel
+  compare panel600z filter gs-panel
   compare cr80 filter gs-cr80
+  compare cr80z filter gs-cr80
 } | tee "$table"
 echo "Table written to $table"
