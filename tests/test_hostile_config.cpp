@@ -24,6 +24,12 @@ std::string ValidPage() {
   return s;
 }
 
+// 'Bytes()' - A string literal with its zero bytes, without the final one.
+template <size_t N>
+std::string Bytes(const char (&text)[N]) {
+  return std::string(text, N - 1);
+}
+
 std::string Scratch() { return std::string(BRELLIAN_BINARY_DIR) + "/hostile-config"; }
 std::string GeneratedPPD() { return std::string(BRELLIAN_BINARY_DIR) + "/ppd/br1060.ppd"; }
 
@@ -81,7 +87,7 @@ std::function<void()> ConfigText(const std::string& text) {
 const TConfigCase kCases[] = {
     {"PpdMissing", [] { return Scratch() + "/no-such.ppd"; }, EntryExitLevel, {kNoPPD}, {}},
     {"PpdEmpty", Ppd(""), EntryExitLevel, {kNoPPD}, {}},
-    {"PpdGarbage", Ppd(std::string("\x01\xFF*PPD-Adobe garbage\n\0\0*%", 28)), EntryExitLevel,
+    {"PpdGarbage", Ppd(Bytes("\x01\xFF*PPD-Adobe garbage\n\0\0*%")), EntryExitLevel,
      {kNoPPD}, {}},
     {"PpdDirectory", [] { Test_MakeDirs(Scratch() + "/dir.ppd"); return Scratch() + "/dir.ppd"; },
      EntryExitLevel, {kNoPPD}, {}},

@@ -22,6 +22,12 @@ namespace {
 
 const std::string kSerial = "ab12";
 
+// 'Bytes()' - A string literal with its zero bytes, without the final one.
+template <size_t N>
+std::string Bytes(const char (&text)[N]) {
+  return std::string(text, N - 1);
+}
+
 std::string ValidPage() {
   std::string s;
   Raster_WriteStream({Raster_MakeRGBPage(8, 2, 300, 0, 0, 0)}, false, &s);
@@ -156,7 +162,7 @@ const TFileCase kCases[] = {
      {LutNotUsable("line 258: more than 256 rows")}, {}},
     {"LutBadNumber", LutText("level,red,green,blue\n0,1,2,x3\n"), kLut1, kSerial,
      {LutNotUsable("line 2: value is not a number from 0 to 255")}, {}},
-    {"LutBinary", LutText(std::string("level,red,green,blue\n0,1\0,2,3\n", 31)), kLut1, kSerial,
+    {"LutBinary", LutText(Bytes("level,red,green,blue\n0,1\0,2,3\n")), kLut1, kSerial,
      {LutNotUsable("line 0: binary data")}, {}},
     {"LutOversized", LutText(std::string(70000, '#')), kLut1, kSerial,
      {LutNotUsable("line 0: file larger than 64 KiB")}, {}},
