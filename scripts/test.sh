@@ -12,3 +12,15 @@ ctest --test-dir "$build" --output-on-failure
 # The Debian package: dpkg -i in a throw-away overlay of this machine gives
 # a working queue (skipped when not root).
 bash scripts/check-package.sh
+
+# The same suite with AddressSanitizer and UndefinedBehaviorSanitizer: the
+# process tests then run the sanitized filter, and any report fails them.
+asan=build-asan
+cmake -S . -B "$asan" -DBRELLIAN_BUILD_TESTS=ON -DBRELLIAN_SANITIZE=ON \
+  -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+cmake --build "$asan" -j"$(nproc)"
+ASAN_OPTIONS=detect_leaks=1:abort_on_error=0 UBSAN_OPTIONS=print_stacktrace=1 \
+  ctest --test-dir "$asan" --output-on-failure
+
+# Every fuzz target for a short, fixed time from its seeds.
+bash scripts/fuzz.sh 10
