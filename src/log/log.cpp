@@ -3,7 +3,6 @@
 #include "log/log.h"
 
 #include <cerrno>
-#include <csignal>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -11,13 +10,13 @@
 #include <ctime>
 #include <fcntl.h>
 #include <mutex>
-#include <pthread.h>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "brellian_paths.h"
 #include "util/safe_file.h"
+#include "util/signal_block.h"
 
 namespace {
 
@@ -88,24 +87,6 @@ bool Log_HomeFilePath(std::string* path) {
   return true;
 }
 
-// Signals whose handlers may log (through the task's destructor) are held
-// while a line is written, so that the mutex is never taken twice.
-class TSignalBlock {
- public:
-  TSignalBlock() {
-    sigset_t set;
-    sigemptyset(&set);
-    sigaddset(&set, SIGTERM);
-    sigaddset(&set, SIGINT);
-    sigaddset(&set, SIGABRT);
-    pthread_sigmask(SIG_BLOCK, &set, &saved_);
-  }
-  ~TSignalBlock() { pthread_sigmask(SIG_SETMASK, &saved_, nullptr); }
-
- private:
-  sigset_t saved_;
-};
-
 }  // namespace
 
 void Log_SetFileName(const char* name) { g_logFileName = name ? name : ""; }
@@ -120,6 +101,8 @@ void Log_SetDepth(int32_t depth) { g_logDepth = depth; }
 void Log_Write(int32_t level, const char* format, ...) {
   if (level > g_logLevel) return;
   int savedErrno = errno;
+  // Signals whose handlers may log (through the task's destructor) are held
+  // while a line is written, so that the mutex is never taken twice.
   TSignalBlock block;
   std::lock_guard<std::mutex> lock(g_logMutex);
 
