@@ -38,6 +38,7 @@ cp "$deb" "$m/tmp/package.deb"
 cp "$root/sample-card.pdf" "$m/tmp/sample-card.pdf"
 chroot "$m" /bin/bash -s <<'CHROOT'
 set -euo pipefail
+trap 'echo "check-package: failed at line $LINENO of the check"; tail -n 30 /var/log/cups/error_log 2>/dev/null || true' ERR
 # A machine that never had the driver: no earlier install, no presets.
 rm -rf /etc/brellian /var/log/brellian /usr/lib/cups/filter/rastertobrellian /usr/share/ppd/brellian
 dpkg -i /tmp/package.deb >/dev/null
@@ -76,8 +77,11 @@ mkdir -p /run/cups /var/spool/cups/tmp
 cupsd_pid=$!
 trap 'kill $cupsd_pid 2>/dev/null; wait $cupsd_pid 2>/dev/null || true' EXIT
 export CUPS_SERVER=/tmp/cups.sock
-for i in $(seq 100); do lpstat -r >/dev/null 2>&1 && break; sleep 0.1; done
-lpadmin -p cards -E -v 'capture:/tmp/out/job.bin' -P /usr/share/ppd/brellian/br1060.ppd 2>/dev/null
+# The spooler may take a while to answer on a busy machine.
+for i in $(seq 600); do lpstat -r >/dev/null 2>&1 && break; sleep 0.1; done
+lpstat -r >/dev/null
+lpadmin -p cards -E -v 'capture:/tmp/out/job.bin' -P /usr/share/ppd/brellian/br1060.ppd 2>&1 \
+  | { grep -v 'drivers are deprecated' || true; }
 lp -d cards -t 'Package check' -o frontRibbon=ColorK -o frontResin=Preset1 -o Duplex=DuplexNoTumble \
    /tmp/sample-card.pdf >/dev/null
 for i in $(seq 600); do [ -z "$(lpstat -o)" ] && break; sleep 0.2; done
