@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <fcntl.h>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -214,4 +215,56 @@ TEST(LogFile, SymbolicLinkAtTheLogFileIsNotFollowed) {
   EXPECT_EQ("keep\n", Test_ReadFile(target));
   unlink(link.c_str());
   unlink(target.c_str());
+}
+
+TEST(LogFile, HomeDirectoriesRemovedBetweenLinesAreMadeAgain) {
+  THomeGuard homeGuard;
+  std::string home = std::string(BRELLIAN_CONF_DIR) + "/../../home-remade";
+  Test_MakeDirs(home);
+  setenv("HOME", home.c_str(), 1);
+  std::string logs = home + "/Brellian/Logs";
+  std::string file = logs + "/unit-remade.log";
+  Log_SetFileName("unit-remade.log");
+  Log_SetOutputMask(LOG_OUT_HOME);
+  Log_SetLevel(2);
+  Log_SetDepth(0);
+  Log_Write(LOG_LOG, "first");
+  ASSERT_EQ(0, unlink(file.c_str()));
+  ASSERT_EQ(0, rmdir(logs.c_str()));
+  ASSERT_EQ(0, rmdir((home + "/Brellian").c_str()));
+  mode_t old = umask(0);
+  Log_Write(LOG_LOG, "second");
+  umask(old);
+  Log_SetOutputMask(0);
+  EXPECT_EQ(0777, ModeOf(home + "/Brellian"));
+  EXPECT_EQ(0777, ModeOf(logs));
+  std::string text = Test_ReadFile(file);
+  EXPECT_NE(std::string::npos, text.find("  second\n")) << text;
+  EXPECT_EQ(std::string::npos, text.find("first")) << text;
+  unlink(file.c_str());
+}
+
+TEST(LogFile, FifoAtTheLogFileIsNeitherWrittenNorWaitedOn) {
+  Test_MakeDirs(BRELLIAN_LOG_DIR);
+  std::string fifo = std::string(BRELLIAN_LOG_DIR) + "/unit-fifo.log";
+  unlink(fifo.c_str());
+  ASSERT_EQ(0, mkfifo(fifo.c_str(), 0666));
+  Log_SetFileName("unit-fifo.log");
+  Log_SetOutputMask(LOG_OUT_SYSTEM);
+  Log_SetLevel(2);
+  // No reader: the line is dropped at once.
+  Log_Write(LOG_LOG, "nobody reads this");
+  // A reader waiting: the file is still not a regular file, so nothing
+  // reaches it.
+  int reader = open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
+  ASSERT_GE(reader, 0);
+  Log_Write(LOG_LOG, "nor this");
+  Log_SetOutputMask(0);
+  char buf[64];
+  EXPECT_LE(read(reader, buf, sizeof buf), 0);
+  close(reader);
+  struct stat st;
+  ASSERT_EQ(0, lstat(fifo.c_str(), &st));
+  EXPECT_TRUE(S_ISFIFO(st.st_mode));
+  unlink(fifo.c_str());
 }

@@ -11,6 +11,7 @@
 
 #include "driver/globals.h"
 #include "driver/printing_task.h"
+#include "imaging/luma.h"
 #include "log/log.h"
 #include "util/signal_block.h"
 
@@ -134,58 +135,41 @@ void Image_FitSize(TPrintingTask*, uint32_t targetWidth, uint32_t targetHeight, 
 
 namespace {
 
-// The three products of the luminance sum, one table per channel.  Each
-// entry is the very double the formula computes (c * v, rounded once), and
-// the sum adds them in the formula's order, so the result is bit-identical
-// to 0.299 * R + 0.587 * G + 0.114 * B; only the multiplications are saved.
-struct TLumaProducts {
-  double r[256];
-  double g[256];
-  double b[256];
-  TLumaProducts() {
-    for (int v = 0; v < 256; ++v) {
-      double d = static_cast<double>(v);
-      r[v] = 0.299 * d;
-      g[v] = 0.587 * d;
-      b[v] = 0.114 * d;
-    }
-  }
-};
-
-const TLumaProducts& Luma_Products() {
-  static const TLumaProducts products;
-  return products;
-}
-
-// 'Luma_Byte()' - The luminance sum truncated toward zero; above 255.0 the
-// byte is 0xFF.
-inline uint8_t Luma_Byte(const TLumaProducts& t, uint8_t r, uint8_t g, uint8_t b) {
-  double y = t.r[r] + t.g[g] + t.b[b];
-  return y > 255.0 ? 0xFF : static_cast<uint8_t>(static_cast<int>(y));
-}
-
 // 'Luma_PixelCount()' - W x H of the task's model.
 inline size_t Luma_PixelCount(const TPrintingTask* task) {
   TPanelGeometry g = Panel_Geometry(task);
   return static_cast<size_t>(g.width) * g.height;
 }
 
+// 'Luma_NewPlane()' - A new W x H plane holding the luminance of every pixel
+// of rgb XORed with flip, or null when rgb is null or the plane could not be
+// allocated.
+uint8_t* Luma_NewPlane(TPrintingTask* task, const uint8_t* rgb, uint8_t flip) {
+  if (!rgb) return nullptr;
+  size_t count = Luma_PixelCount(task);
+  uint8_t* plane = static_cast<uint8_t*>(malloc(count ? count : 1));
+  if (plane) Luma_Plane(rgb, plane, count, flip);
+  return plane;
+}
+
 }  // namespace
 
 // 'Image_Luminance()' - 0.299 R + 0.587 G + 0.114 B in double, truncated.
-uint8_t Image_Luminance(uint8_t r, uint8_t g, uint8_t b) {
-  return Luma_Byte(Luma_Products(), r, g, b);
-}
+uint8_t Image_Luminance(uint8_t r, uint8_t g, uint8_t b) { return Luma_Dot(r, g, b); }
 
 // 'Image_ToGrayInPlace()' - Every pixel of the W x H x 3 panel becomes its
 // luminance in R, G and B.  Returns 1 when rgb is null, else 0.
 int32_t Image_ToGrayInPlace(TPrintingTask* task, uint8_t* rgb) {
   if (!rgb) return 1;
-  const TLumaProducts& t = Luma_Products();
+  // A row's luminance goes to a small buffer first, then is spread back
+  // over the row's three channels.
+  uint8_t y[1024];
   size_t count = Luma_PixelCount(task);
-  for (size_t i = 0; i < count; ++i, rgb += 3) {
-    uint8_t y = Luma_Byte(t, rgb[0], rgb[1], rgb[2]);
-    rgb[0] = rgb[1] = rgb[2] = y;
+  for (size_t done = 0; done < count;) {
+    size_t n = count - done < sizeof y ? count - done : sizeof y;
+    Luma_Plane(rgb, y, n, 0);
+    for (size_t i = 0; i < n; ++i, rgb += 3) rgb[0] = rgb[1] = rgb[2] = y[i];
+    done += n;
   }
   return 0;
 }
@@ -195,13 +179,13 @@ int32_t Image_ToGrayInPlace(TPrintingTask* task, uint8_t* rgb) {
 // null or the plane could not be allocated (the caller then skips the
 // panel); otherwise the caller frees *out.  Returns 0.
 int32_t Image_ToGrayPlane(TPrintingTask* task, const uint8_t* rgb, uint8_t** out) {
-  *out = nullptr;
-  if (!rgb) return 0;
-  size_t count = Luma_PixelCount(task);
-  uint8_t* plane = static_cast<uint8_t*>(malloc(count ? count : 1));
-  if (!plane) return 0;
-  const TLumaProducts& t = Luma_Products();
-  for (size_t i = 0; i < count; ++i, rgb += 3) plane[i] = Luma_Byte(t, rgb[0], rgb[1], rgb[2]);
-  *out = plane;
+  *out = Luma_NewPlane(task, rgb, 0);
+  return 0;
+}
+
+// 'Image_ToInvertedGrayPlane()' - As Image_ToGrayPlane, each byte then
+// inverted (255 minus the luminance), in the same pass.  Returns 0.
+int32_t Image_ToInvertedGrayPlane(TPrintingTask* task, const uint8_t* rgb, uint8_t** out) {
+  *out = Luma_NewPlane(task, rgb, 0xFF);
   return 0;
 }

@@ -71,3 +71,7 @@ int32_t Image_ToGrayInPlace(TPrintingTask* task, uint8_t* rgb);
 // is null or the plane could not be allocated (the caller then skips the
 // panel).  The caller frees *out.
 int32_t Image_ToGrayPlane(TPrintingTask* task, const uint8_t* rgb, uint8_t** out);
+
+// 'Image_ToInvertedGrayPlane()' - As Image_ToGrayPlane, with every byte
+// inverted (255 minus the luminance) in the same pass.  Returns 0.
+int32_t Image_ToInvertedGrayPlane(TPrintingTask* task, const uint8_t* rgb, uint8_t** out);

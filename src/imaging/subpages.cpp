@@ -22,11 +22,8 @@ namespace {
 void Page_SendInvertedPlane(TPrintingTask* task, uint8_t* rgb, int32_t panelType) {
   if (rgb == nullptr) return;
   uint8_t* plane = nullptr;
-  Image_ToGrayPlane(task, rgb, &plane);
+  Image_ToInvertedGrayPlane(task, rgb, &plane);  // luminance and inversion in one pass
   if (plane == nullptr) return;
-  TPanelGeometry g = Panel_Geometry(task);
-  const size_t count = static_cast<size_t>(g.width) * g.height;
-  for (size_t i = 0; i < count; ++i) plane[i] = static_cast<uint8_t>(255 - plane[i]);
   Page_PrintSidePanel(task, panelType, plane);
   free(plane);
 }

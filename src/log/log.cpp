@@ -15,7 +15,6 @@
 #include <unistd.h>
 
 #include "brellian_paths.h"
-#include "util/safe_file.h"
 #include "util/signal_block.h"
 
 namespace {
@@ -57,34 +56,60 @@ void Log_AppendEscaped(TLineBuffer* line, const char* msg) {
   }
 }
 
-// 'Log_AppendToFile()' - Append one line to a log file.  With rotate set
-// the file is deleted when it has grown past LOG_ROTATE_BYTES.  Returns
-// false when the file could not be opened.
-bool Log_AppendToFile(const std::string& path, const char* line, size_t length, bool rotate) {
-  int fd = File_OpenRegular(path.c_str(), O_RDWR | O_CREAT | O_APPEND, 0666);
+// 'Log_AppendToFile()' - Append one line to a log file: open, write,
+// close.  With rotate set the file is deleted when it has grown past
+// LOG_ROTATE_BYTES.  A file that is not a regular file (a FIFO, a device,
+// a symbolic link) is not written.  Returns false when the file could not
+// be opened.
+//
+// The file is opened without blocking so that a FIFO put in its place can
+// never hold the job; for a regular file the flag changes nothing, so it is
+// left on.  A write to a file opened for appending lands at its end, which
+// is then the position the rotation asks for.
+bool Log_AppendToFile(const char* path, const char* line, size_t length, bool rotate) {
+  int fd = open(path, O_WRONLY | O_CREAT | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0666);
   if (fd < 0) return false;
+  struct stat st;
+  if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+    close(fd);
+    errno = EINVAL;
+    return false;
+  }
   ssize_t unused = write(fd, line, length);
   (void)unused;
-  off_t position = lseek(fd, 0, SEEK_END);
+  off_t position = rotate ? lseek(fd, 0, SEEK_CUR) : 0;
   close(fd);
-  if (rotate && position > LOG_ROTATE_BYTES) unlink(path.c_str());
+  if (rotate && position > LOG_ROTATE_BYTES) unlink(path);
   return true;
 }
 
-// 'Log_HomeFilePath()' - "$HOME/Brellian/Logs/<file>", creating both
-// directories.  An unset or empty HOME gives no path: the destination is
-// skipped rather than written relative to the current directory.
-bool Log_HomeFilePath(std::string* path) {
+// 'Log_AppendInDirectory()' - Append one line to dir/name, creating dir
+// (mode 0777) when it is missing.  The directory usually exists, so the
+// file is opened first and the directory made only when the open finds it
+// missing: the outcome is that of making it first, without a failing call
+// on every line.
+bool Log_AppendInDirectory(const std::string& dir, const char* line, size_t length, bool rotate) {
+  std::string path = dir + "/" + g_logFileName;
+  if (Log_AppendToFile(path.c_str(), line, length, rotate)) return true;
+  if (errno != ENOENT) return false;
+  mkdir(dir.c_str(), 0777);
+  return Log_AppendToFile(path.c_str(), line, length, rotate);
+}
+
+// 'Log_AppendToHome()' - Append one line to "$HOME/Brellian/Logs/<file>",
+// creating both directories (mode 0777) when missing.  An unset or empty
+// HOME skips the destination rather than writing relative to the current
+// directory.
+void Log_AppendToHome(const char* line, size_t length) {
   const char* home = getenv("HOME");
-  if (!home || !*home) return false;
-  *path = home;
-  *path += "/Brellian";
-  mkdir(path->c_str(), 0777);
-  *path += "/Logs";
-  mkdir(path->c_str(), 0777);
-  *path += "/";
-  *path += g_logFileName;
-  return true;
+  if (!home || !*home) return;
+  std::string brellian = std::string(home) + "/Brellian";
+  std::string logs = brellian + "/Logs";
+  std::string path = logs + "/" + g_logFileName;
+  if (Log_AppendToFile(path.c_str(), line, length, true) || errno != ENOENT) return;
+  mkdir(brellian.c_str(), 0777);
+  mkdir(logs.c_str(), 0777);
+  Log_AppendToFile(path.c_str(), line, length, true);
 }
 
 }  // namespace
@@ -137,20 +162,12 @@ void Log_Write(int32_t level, const char* format, ...) {
     fprintf(stderr, "%s\n", line.text);
     fflush(stderr);
   }
+  size_t length = static_cast<size_t>(stampedLen);
   if (g_logOutputMask & LOG_OUT_SPOOL) {
     std::string path = std::string(BRELLIAN_SPOOL_TMP_DIR) + "/" + g_logFileName;
-    if (!Log_AppendToFile(path, stamped, static_cast<size_t>(stampedLen), true)) {
-      if (Log_HomeFilePath(&path)) Log_AppendToFile(path, stamped, static_cast<size_t>(stampedLen), true);
-    }
+    if (!Log_AppendToFile(path.c_str(), stamped, length, true)) Log_AppendToHome(stamped, length);
   }
-  if (g_logOutputMask & LOG_OUT_HOME) {
-    std::string path;
-    if (Log_HomeFilePath(&path)) Log_AppendToFile(path, stamped, static_cast<size_t>(stampedLen), true);
-  }
-  if (g_logOutputMask & LOG_OUT_SYSTEM) {
-    mkdir(BRELLIAN_LOG_DIR, 0777);
-    std::string path = std::string(BRELLIAN_LOG_DIR) + "/" + g_logFileName;
-    Log_AppendToFile(path, stamped, static_cast<size_t>(stampedLen), false);
-  }
+  if (g_logOutputMask & LOG_OUT_HOME) Log_AppendToHome(stamped, length);
+  if (g_logOutputMask & LOG_OUT_SYSTEM) Log_AppendInDirectory(BRELLIAN_LOG_DIR, stamped, length, false);
   errno = savedErrno;
 }

@@ -1,0 +1,93 @@
+// The two ways of computing a row's luminance held to each other and to the
+// double-precision formula, byte for byte.
+// Copyright 2026 The rastertobrellian authors.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <random>
+#include <vector>
+
+#include "imaging/luma.h"
+
+namespace {
+
+// The formula, written out as plainly as possible.
+uint8_t Luma_Formula(int r, int g, int b) {
+  double y = 0.299 * r + 0.587 * g + 0.114 * b;
+  return y > 255.0 ? 0xFF : static_cast<uint8_t>(static_cast<int>(y));
+}
+
+// Every way the processor offers: the scalar one always, AVX2 where present.
+std::vector<void (*)(const uint8_t*, uint8_t*, size_t, uint8_t)> Luma_Ways() {
+  std::vector<void (*)(const uint8_t*, uint8_t*, size_t, uint8_t)> ways = {Luma_PlaneScalar, Luma_Plane};
+  if (Luma_HaveAvx2()) ways.push_back(Luma_PlaneAvx2);
+  return ways;
+}
+
+}  // namespace
+
+TEST(LumaPlane, AllColoursMatchTheFormulaInEveryWay) {
+  const size_t n = 1u << 24;
+  std::vector<uint8_t> rgb(n * 3);
+  for (uint32_t c = 0; c < n; ++c) {
+    rgb[3 * c] = static_cast<uint8_t>(c >> 16);
+    rgb[3 * c + 1] = static_cast<uint8_t>(c >> 8);
+    rgb[3 * c + 2] = static_cast<uint8_t>(c);
+  }
+  std::vector<uint8_t> expected(n);
+  for (uint32_t c = 0; c < n; ++c) expected[c] = Luma_Formula(rgb[3 * c], rgb[3 * c + 1], rgb[3 * c + 2]);
+  for (auto way : Luma_Ways()) {
+    for (uint8_t flip : {uint8_t{0}, uint8_t{0xFF}}) {
+      std::vector<uint8_t> out(n, 0x5A);
+      way(rgb.data(), out.data(), n, flip);
+      size_t bad = 0, first = n;
+      for (size_t i = 0; i < n; ++i) {
+        if (out[i] != static_cast<uint8_t>(expected[i] ^ flip)) {
+          if (!bad) first = i;
+          ++bad;
+        }
+      }
+      EXPECT_EQ(0u, bad) << "flip " << int(flip) << ", first colour " << std::hex << first;
+    }
+  }
+}
+
+// Random rows of every length up to 70 dots, at every byte offset from an
+// aligned start, written into a row with guard bytes on both sides: each way
+// gives the formula's bytes and touches nothing outside its count.
+TEST(LumaPlane, RandomRowsOfAnyLengthAndOffsetStayInside) {
+  std::mt19937 rng(20261122);
+  std::uniform_int_distribution<int> byte(0, 255);
+  for (size_t count = 0; count <= 70; ++count) {
+    for (size_t offset = 0; offset < 4; ++offset) {
+      std::vector<uint8_t> rgb(offset + 3 * count);
+      for (auto& v : rgb) v = static_cast<uint8_t>(byte(rng));
+      const uint8_t* in = rgb.data() + offset;
+      for (auto way : Luma_Ways()) {
+        std::vector<uint8_t> out(count + 16, 0xA5);
+        way(in, out.data() + 8, count, 0xFF);
+        for (size_t i = 0; i < 8; ++i) ASSERT_EQ(0xA5, out[i]) << count;
+        for (size_t i = 0; i < 8; ++i) ASSERT_EQ(0xA5, out[8 + count + i]) << count;
+        for (size_t i = 0; i < count; ++i)
+          ASSERT_EQ(255 - Luma_Formula(in[3 * i], in[3 * i + 1], in[3 * i + 2]), out[8 + i])
+              << "count " << count << " offset " << offset << " dot " << i;
+      }
+    }
+  }
+}
+
+TEST(LumaPlane, GreysAndTheWellKnownDots) {
+  // Grey levels are where the rounding shows: 0.299 + 0.587 + 0.114 is a
+  // hair below 1, so (1, 1, 1) gives 0.
+  EXPECT_EQ(0, Luma_Dot(1, 1, 1));
+  EXPECT_EQ(255, Luma_Dot(255, 255, 255));
+  EXPECT_EQ(76, Luma_Dot(255, 0, 0));
+  EXPECT_EQ(44, Luma_Dot(0, 72, 24));
+  std::vector<uint8_t> grey(256 * 3);
+  for (int v = 0; v < 256; ++v) grey[3 * v] = grey[3 * v + 1] = grey[3 * v + 2] = static_cast<uint8_t>(v);
+  for (auto way : Luma_Ways()) {
+    std::vector<uint8_t> out(256);
+    way(grey.data(), out.data(), 256, 0);
+    for (int v = 0; v < 256; ++v) ASSERT_EQ(Luma_Formula(v, v, v), out[v]) << v;
+  }
+}
