@@ -30,7 +30,7 @@ if [ ! -x "$build/bench/brellian-nullfilter" ]; then
     -DBRELLIAN_SYSROOT="$PWD/$build/sysroot" >/dev/null
 fi
 cmake --build "$build" -j2 --target rastertobrellian brellian-nullfilter brellian-reffilter \
-  brellian-rasterwrite brellian_ppds >/dev/null
+  brellian-rasterwrite brellian-samplecard brellian_ppds >/dev/null
 [ -n "$table" ] || table="$build/bench/jobs.txt"
 work="$build/bench/jobs"
 mkdir -p "$work"
@@ -38,6 +38,7 @@ filter="$build/rastertobrellian"
 reffilter="$build/bench/brellian-reffilter"
 nullfilter="$build/bench/brellian-nullfilter"
 write="$build/tools/brellian-rasterwrite"
+samplecard="$build/tools/brellian-samplecard"
 pdf=docs/samples/sample-card.pdf
 
 # One side is colour, black, UV and overlay pages; a duplex job has both.
@@ -61,6 +62,11 @@ make_job page600 1 2072 1328 600
 make_job panel300 8 1036 664 300 --duplex
 make_job panel300z 8 1036 664 300 --duplex -c
 make_job cr80at300 8 1011 638 300 --duplex
+# The sample card with every panel kind on both sides: a card as it is
+# usually printed, its black pages pure text and bar code.
+"$samplecard" --all-panels "$work/card600.ras"
+"$samplecard" --all-panels --compressed "$work/card600z.ras"
+"$samplecard" --all-panels --dpi 300 "$work/card300.ras"
 # The card document repeated to eight pages, for ghostscript.
 gs_pages=("$pdf" "$pdf" "$pdf" "$pdf")
 
@@ -122,6 +128,8 @@ compare() {
 {
   echo "Whole-job benchmark, $(date -u '+%Y-%m-%d %H:%M UTC'), $(nproc) cores, load $(cut -d' ' -f1-3 /proc/loadavg), $runs pairs"
   printf '%-12s %-10s %-11s %8s %8s %7s %9s %9s\n' job A B "A s" "B s" "A/B" "A MiB" "B MiB"
+  compare card600 filter nullfilter
+  compare card600z filter nullfilter
   compare panel600 filter nullfilter
   compare panel600z filter nullfilter
   compare cr80 filter nullfilter
@@ -131,10 +139,13 @@ compare() {
   compare panel300 filter nullfilter
   compare panel300z filter nullfilter
   compare cr80at300 filter nullfilter
+  compare card300 filter nullfilter
   # Against the reference stages, and against ghostscript (which writes
   # uncompressed raster) with the filter reading either form.
   compare panel600z filter reffilter
   compare cr80z filter reffilter
+  compare card600 filter gs-panel
+  compare card600z filter gs-panel
   compare panel600 filter gs-panel
   compare panel600z filter gs-panel
   compare cr80 filter gs-cr80

@@ -9,6 +9,9 @@ cmake -S . -B "$build" -DBRELLIAN_BUILD_TESTS=ON -DCMAKE_BUILD_TYPE=RelWithDebIn
 cmake --build "$build" -j"$(nproc)"
 ctest --test-dir "$build" --output-on-failure
 
+# The golden digests of the printed bytes from an -O3 -march=x86-64-v3 build.
+bash scripts/check-golden-flags.sh
+
 # The Debian package: dpkg -i in a throw-away overlay of this machine gives
 # a working queue (skipped when not root).
 bash scripts/check-package.sh

@@ -4,6 +4,7 @@
 
 #include <unistd.h>
 
+#include "sample_card.h"
 #include "test_jobs_support.h"
 
 using namespace jobtest;
@@ -151,4 +152,24 @@ TEST_F(TJobPanelTest, RotationTurnsTheSideAndItsPresetPanels) {
   EXPECT_EQ(uv[0], Job_Pixels(run.stream.panels[1])[kDots - 1]);
   EXPECT_TRUE(Job_Pixels(run.stream.panels[2]) == Turned(Rows(0, 0, kW, 100), 1));
   EXPECT_EQ(1, Job_Count(run.log, "ROTATE:    yes"));
+}
+
+TEST_F(TJobPanelTest, SampleCardWithAllPanelsGivesEveryPanelKindOnBothSides) {
+  Save();
+  TJobRun run = Job_Run(Raster_MakeSampleCardAllPanelsJob(kW, kH, 300),
+                        "frontRibbon=ColorK backRibbon=ColorK frontUV=Page backUV=Page frontPO=Page backPO=Page");
+  EXPECT_EQ(0, run.process.status);
+  EXPECT_TRUE(run.stream.complete) << run.stream.error;
+  EXPECT_EQ(
+      "STARTJOB STARTCARD STARTSIDE LUTTABLE IMAGE0 IMAGE1 IMAGE2 IMAGE3 ENDSIDE "
+      "STARTSIDE LUTTABLE IMAGE0 IMAGE1 IMAGE2 IMAGE3 ENDSIDE ENDCARD ENDJOB",
+      run.outline);
+  ASSERT_EQ(8u, run.stream.panels.size());
+  // The back overlay page is dark all over: overlay on every dot.
+  EXPECT_TRUE(Job_Pixels(run.stream.panels[7]) == std::string(kDots, '\xFF'));
+  // The UV emblem glows on some dots and not on others, the same on both sides.
+  std::string uv = Job_Pixels(run.stream.panels[2]);
+  EXPECT_NE(std::string::npos, uv.find('\xFF'));
+  EXPECT_NE(std::string::npos, uv.find('\0'));
+  EXPECT_TRUE(uv == Job_Pixels(run.stream.panels[6]));
 }

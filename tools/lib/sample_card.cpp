@@ -151,3 +151,25 @@ std::vector<TRasterPage> Raster_MakeSampleCardJob(uint32_t width, uint32_t heigh
   pages.push_back(backBlack);
   return pages;
 }
+
+// 'Sample_UVPage()' - A UV page: dark where the UV ink goes (an emblem of
+// two crossed bars and the card's name), white elsewhere.
+static TRasterPage Sample_UVPage(uint32_t width, uint32_t height, uint32_t dpi, uint32_t unit) {
+  TRasterPage uv = Raster_MakeRGBPage(width, height, dpi, 255, 255, 255);
+  Raster_FillRect(&uv, width * 60 / 100, height * 25 / 100, width * 30 / 100, height * 6 / 100, 0, 0, 0);
+  Raster_FillRect(&uv, width * 72 / 100, height * 12 / 100, width * 6 / 100, height * 32 / 100, 0, 0, 0);
+  Raster_DrawText(&uv, width * 40 / 100, height * 88 / 100, unit, "BRELLIAN", 0, 0, 0);
+  uv.header.Duplex = CUPS_TRUE;
+  return uv;
+}
+
+std::vector<TRasterPage> Raster_MakeSampleCardAllPanelsJob(uint32_t width, uint32_t height, uint32_t dpi) {
+  std::vector<TRasterPage> card = Raster_MakeSampleCardJob(width, height, dpi);
+  uint32_t unit = height / 80 ? height / 80 : 1;
+  TRasterPage uv = Sample_UVPage(width, height, dpi, unit);
+  // The back overlay covers the whole side.
+  TRasterPage backOverlay = Raster_MakeRGBPage(width, height, dpi, 0, 0, 0);
+  backOverlay.header.Duplex = CUPS_TRUE;
+  return {card[0], card[1], uv, card[2], card[3], card[4], uv, backOverlay};
+}
+

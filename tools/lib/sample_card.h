@@ -16,6 +16,13 @@
 // overlay, back colour, back black.
 std::vector<TRasterPage> Raster_MakeSampleCardJob(uint32_t width, uint32_t height, uint32_t dpi);
 
+// 'Raster_MakeSampleCardAllPanelsJob()' - The same card with every panel
+// kind on both sides, eight pages: front colour, front black, front UV,
+// front overlay, back colour, back black, back UV, back overlay.  The UV
+// pages are dark where an emblem and the card's name glow; the back
+// overlay page is dark all over.
+std::vector<TRasterPage> Raster_MakeSampleCardAllPanelsJob(uint32_t width, uint32_t height, uint32_t dpi);
+
 // 'Raster_DrawText()' - Draw upper-case text (A-Z, 0-9, blank, '-', '.') in
 // a 5 x 7 dot font scaled by scale, top-left corner at (x, y).
 void Raster_DrawText(TRasterPage* page, uint32_t x, uint32_t y, uint32_t scale, const char* text,

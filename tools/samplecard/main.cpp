@@ -11,25 +11,32 @@
 
 static int Usage(FILE* f) {
   fprintf(f,
-          "Usage: brellian-samplecard [--dpi 300|600] [--compressed] OUTPUT\n"
+          "Usage: brellian-samplecard [--dpi 300|600] [--compressed] [--all-panels] OUTPUT\n"
           "\n"
           "Writes the built-in sample card as a CUPS raster stream of five\n"
           "panel-sized pages for a duplex \"ColorK\" job with an overlay page:\n"
           "front colour, front black, front overlay, back colour, back black.\n"
           "At 300 dpi the pages are 1036 x 664 dots (models 1030 and 1035), at\n"
           "600 dpi 2072 x 1328 dots (model 1060, the default). OUTPUT \"-\" writes\n"
-          "to standard output.\n");
+          "to standard output.\n"
+          "\n"
+          "--all-panels writes eight pages instead, every panel kind on both\n"
+          "sides: front colour, black, UV and overlay, then the same for the\n"
+          "back (for jobs with frontUV, backUV, frontPO and backPO set to Page).\n");
   return f == stderr ? 2 : 0;
 }
 
 int main(int argc, char** argv) {
   uint32_t dpi = 600;
   bool compressed = false;
+  bool allPanels = false;
   const char* output = nullptr;
   for (int i = 1; i < argc; ++i) {
     if (strcmp(argv[i], "--help") == 0 || strcmp(argv[i], "-h") == 0) return Usage(stdout);
     if (strcmp(argv[i], "--compressed") == 0) {
       compressed = true;
+    } else if (strcmp(argv[i], "--all-panels") == 0) {
+      allPanels = true;
     } else if (strcmp(argv[i], "--dpi") == 0 && i + 1 < argc) {
       dpi = static_cast<uint32_t>(strtoul(argv[++i], nullptr, 10));
       if (dpi != 300 && dpi != 600) {
@@ -45,7 +52,8 @@ int main(int argc, char** argv) {
   }
   if (!output) return Usage(stderr);
   uint32_t width = dpi == 600 ? 2072 : 1036, height = dpi == 600 ? 1328 : 664;
-  std::vector<TRasterPage> pages = Raster_MakeSampleCardJob(width, height, dpi);
+  std::vector<TRasterPage> pages = allPanels ? Raster_MakeSampleCardAllPanelsJob(width, height, dpi)
+                                            : Raster_MakeSampleCardJob(width, height, dpi);
   std::string stream;
   if (!Raster_WriteStream(pages, compressed, &stream)) {
     fprintf(stderr, "brellian-samplecard: libcups refused to write the raster stream\n");
