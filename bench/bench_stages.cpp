@@ -9,6 +9,7 @@
 
 #include "driver/printing_task.h"
 #include "imaging/luma.h"
+#include "util/cpu.h"
 #include "imaging/stages.h"
 #include "reference/reference_stages.h"
 #include "status/tables.h"
@@ -172,7 +173,7 @@ template <int kWay>
 void BM_Luma(benchmark::State& state) {
   const std::vector<uint8_t>& rgb = Bench_Photo();
   std::vector<uint8_t> out(kDots);
-  if (kWay == 2 && !Luma_HaveAvx2()) {
+  if (kWay == 2 && !Cpu_HaveAvx2()) {
     state.SkipWithError("no AVX2 on this processor");
     return;
   }

@@ -173,3 +173,23 @@ TEST_F(TJobPanelTest, SampleCardWithAllPanelsGivesEveryPanelKindOnBothSides) {
   EXPECT_NE(std::string::npos, uv.find('\0'));
   EXPECT_TRUE(uv == Job_Pixels(run.stream.panels[6]));
 }
+
+// The page buffer of a later page reuses the memory of an earlier one: the
+// rows a short page never delivers must still read as zero (black), never
+// as the earlier page's dots.
+TEST_F(TJobPanelTest, RowsAShortPageNeverDeliversAreZeroNotTheEarlierPage) {
+  Save();
+  TRasterPage front = Raster_MakeRGBPage(kW, kH, 300, 255, 255, 255);
+  front.header.Duplex = CUPS_TRUE;
+  for (size_t cut : {size_t{10} * kW * 3, size_t{10} * kW * 3 + kW}) {  // whole rows, and mid-row
+    TRasterPage back = front;
+    back.data.resize(cut);
+    TJobRun run = Job_Run({front, back}, "");
+    EXPECT_EQ(0, run.process.status);
+    ASSERT_EQ(2u, run.stream.panels.size());
+    std::string pixels = Job_Pixels(run.stream.panels[1]);
+    ASSERT_EQ(kDots * 3, pixels.size());
+    EXPECT_EQ(std::string(10 * kW * 3, '\xFF'), pixels.substr(0, 10 * kW * 3)) << cut;
+    EXPECT_EQ(std::string((kH - 11) * kW * 3, '\0'), pixels.substr(11 * kW * 3)) << cut;
+  }
+}

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "imaging/luma.h"
+#include "util/cpu.h"
 
 namespace {
 
@@ -20,7 +21,7 @@ uint8_t Luma_Formula(int r, int g, int b) {
 // Every way the processor offers: the scalar one always, AVX2 where present.
 std::vector<void (*)(const uint8_t*, uint8_t*, size_t, uint8_t)> Luma_Ways() {
   std::vector<void (*)(const uint8_t*, uint8_t*, size_t, uint8_t)> ways = {Luma_PlaneScalar, Luma_Plane};
-  if (Luma_HaveAvx2()) ways.push_back(Luma_PlaneAvx2);
+  if (Cpu_HaveAvx2()) ways.push_back(Luma_PlaneAvx2);
   return ways;
 }
 

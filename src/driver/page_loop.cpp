@@ -2,6 +2,7 @@
 // Copyright 2026 The rastertobrellian authors.
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
 #include <malloc.h>
 #include <sys/mman.h>
@@ -51,21 +52,34 @@ const char* Loop_Arg(const TPrintingTask* task, int32_t i) {
 // 'Loop_ReadRows()' - Read the rows of one page into the page buffer, with a
 // progress line every 128 rows.  Stops early when a read delivers nothing
 // or a cancel arrives (checked after every row).
+//
+// The page buffer comes unzeroed from CUPS_AllocPage: each row is zeroed
+// just before it is read into (a read that fails part way leaves the same
+// bytes as in a zero-filled block), and every row not reached is zeroed at
+// the end.  The page then holds exactly the bytes of a zero-filled page,
+// while a row is zeroed and filled while it is in the cache instead of the
+// whole page being cleared in a pass of its own.
 void Loop_ReadRows(TPrintingTask* task, cups_raster_t* raster, const cups_page_header2_t& header,
                    int32_t page) {
+  uint8_t* buffer = task->pageBuffer;
+  if (!buffer) return;
   uint32_t height = header.cupsHeight;
-  uint32_t lineBytes = header.cupsBytesPerLine;
-  if (height == 0 || g_cancelJob || !task->pageBuffer) return;
-  for (uint32_t row = 0; row < height; ++row) {
+  size_t lineBytes = header.cupsBytesPerLine;
+  uint32_t zeroed = 0;  // rows zeroed from the top
+  if (lineBytes == 0 || height == 0) buffer[0] = 0;  // the one-byte block of an empty page
+  for (uint32_t row = 0; row < height && !g_cancelJob; ++row) {
     if (row % PROGRESS_ROWS == 0) {
       uint64_t percent = static_cast<uint64_t>(row) * 100u / height;
       fprintf(stderr, "INFO: Printing page %d, %d%% complete...\n", page,
               static_cast<int>(percent));
     }
-    uint8_t* line = task->pageBuffer + static_cast<size_t>(row) * lineBytes;
-    if (cupsRasterReadPixels(raster, line, lineBytes) == 0) break;
-    if (g_cancelJob) break;
+    uint8_t* line = buffer + static_cast<size_t>(row) * lineBytes;
+    memset(line, 0, lineBytes);
+    zeroed = row + 1;
+    if (cupsRasterReadPixels(raster, line, static_cast<unsigned>(lineBytes)) == 0) break;
   }
+  if (zeroed < height)
+    memset(buffer + static_cast<size_t>(zeroed) * lineBytes, 0, static_cast<size_t>(height - zeroed) * lineBytes);
 }
 
 // 'Loop_KeepBuffers()' - Let the page, working and panel buffers of one
@@ -149,7 +163,7 @@ void TPrintingTask::run() {
     duplex = Raster_Word(header.Duplex) ? 1 : 0;
     tumble = Raster_Word(header.Tumble) ? 1 : 0;
     ++page;
-    CUPS_AllocPage(this, &header);
+    CUPS_AllocPage(this, &header, false);  // Loop_ReadRows zeroes what it does not fill
     ++pageCount;
     fprintf(stderr, "PAGE: %d %d\n", page, static_cast<int>(header.NumCopies));
     Loop_ReadRows(this, raster, header, page);

@@ -4,6 +4,7 @@
 
 #include "driver/printing_task.h"
 #include "imaging/panel.h"
+#include "imaging/pure_map.h"
 #include "imaging/stages.h"
 #include "log/log.h"
 
@@ -49,17 +50,21 @@ int32_t Image_Halftone(TPrintingTask* task, const uint8_t* rgb, uint8_t** out) {
     Log_Write(LOG_ENTRYEXIT, "<<<< Image_Halftone[2][nullptr]");
     return 25;
   }
-  if (dots > 0 && Halftone_FindGrey(rgb, dots)) {
+  // The panel is taken first so that the purity scan and the mapping of a
+  // pure image share one pass; a grey dot drops it and diffuses instead.
+  // Without memory for it the scan runs alone, so that a grey image still
+  // reaches the diffusion and a pure one fails as it must.
+  uint8_t* mono = static_cast<uint8_t*>(malloc(dots ? dots : 1));
+  bool pure = mono ? Pure_MapBlack(rgb, mono, dots) : !(dots > 0 && Halftone_FindGrey(rgb, dots));
+  if (!pure) {
+    free(mono);
     Image_Bilevel(task, rgb, out, g_floydSteinbergKernel, 127);
   } else {
-    uint8_t* mono = static_cast<uint8_t*>(malloc(dots ? dots : 1));
     *out = mono;
     if (!mono) {
       Log_Write(LOG_ENTRYEXIT, "<<<< Image_Halftone[3][nullptr]");
       return 1;
     }
-    for (size_t i = 0; i < dots; ++i)
-      mono[i] = (rgb[3 * i] | rgb[3 * i + 1] | rgb[3 * i + 2]) == 0 ? 255 : 0;
   }
   Log_Write(LOG_ENTRYEXIT, "<<<< Image_Halftone[success]");
   return 0;

@@ -10,6 +10,8 @@
 // fused multiply-add (the build forbids contraction) and no reassociation.
 #include "imaging/luma.h"
 
+#include "util/cpu.h"
+
 #if defined(__x86_64__) || defined(__i386__)
 #include <immintrin.h>
 #define BRELLIAN_LUMA_X86 1
@@ -71,14 +73,6 @@ void Luma_PlaneScalar(const uint8_t* rgb, uint8_t* out, size_t count, uint8_t fl
 }
 
 #ifdef BRELLIAN_LUMA_X86
-bool Luma_HaveAvx2() {
-  static const bool have = [] {
-    __builtin_cpu_init();
-    return __builtin_cpu_supports("avx2") != 0;
-  }();
-  return have;
-}
-
 // Eight dots are 24 bytes: the first 16 in one register, the last 8 in the
 // low half of another.  Byte shuffles gather the eight red and eight green
 // levels into one register and the eight blue levels into another.
@@ -109,15 +103,13 @@ __attribute__((target("avx2"))) void Luma_PlaneAvx2(const uint8_t* rgb, uint8_t*
   Luma_PlaneScalar(rgb + 3 * i, out + i, count - i, flip);
 }
 #else
-bool Luma_HaveAvx2() { return false; }
-
 void Luma_PlaneAvx2(const uint8_t* rgb, uint8_t* out, size_t count, uint8_t flip) {
   Luma_PlaneScalar(rgb, out, count, flip);
 }
 #endif
 
 void Luma_Plane(const uint8_t* rgb, uint8_t* out, size_t count, uint8_t flip) {
-  if (Luma_HaveAvx2())
+  if (Cpu_HaveAvx2())
     Luma_PlaneAvx2(rgb, out, count, flip);
   else
     Luma_PlaneScalar(rgb, out, count, flip);

@@ -14,10 +14,9 @@ void Luma_Plane(const uint8_t* rgb, uint8_t* out, size_t count, uint8_t flip);
 
 // The two ways Luma_Plane may take, for the tests that hold them to each
 // other: one dot at a time from the product tables, and eight dots at a
-// time with AVX2 (only where Luma_HaveAvx2() says the processor has it).
+// time with AVX2 (only where Cpu_HaveAvx2() says the processor has it).
 void Luma_PlaneScalar(const uint8_t* rgb, uint8_t* out, size_t count, uint8_t flip);
 void Luma_PlaneAvx2(const uint8_t* rgb, uint8_t* out, size_t count, uint8_t flip);
-bool Luma_HaveAvx2();
 
 // 'Luma_Dot()' - The luminance of one dot, as Luma_Plane computes it.
 uint8_t Luma_Dot(uint8_t r, uint8_t g, uint8_t b);

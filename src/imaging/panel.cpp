@@ -67,7 +67,7 @@ bool CUPS_PageBytes(const cups_page_header2_t* header, uint64_t* bytes) {
 // 'CUPS_AllocPage()' - Allocate the zero-filled page buffer.  A header that
 // exceeds the caps, or an allocation that fails, ends the process at once
 // with status 1 after "ERROR: Unable to allocate memory!".
-int32_t CUPS_AllocPage(TPrintingTask* task, const cups_page_header2_t* header) {
+int32_t CUPS_AllocPage(TPrintingTask* task, const cups_page_header2_t* header, bool zeroFill) {
   Log_Write(LOG_LOG, "CUPS_AllocPage(%d,%d,%d)", static_cast<int>(header->cupsWidth),
             static_cast<int>(header->cupsHeight), static_cast<int>(header->cupsBytesPerLine));
   uint64_t bytes = 0;
@@ -76,8 +76,10 @@ int32_t CUPS_AllocPage(TPrintingTask* task, const cups_page_header2_t* header) {
     TSignalBlock hold;   // no exit handler while the allocator is busy
     free(task->pageBuffer);
     task->pageBuffer = nullptr;
-    if (CUPS_PageBytes(header, &bytes))
-      block = static_cast<uint8_t*>(calloc(1, bytes ? static_cast<size_t>(bytes) : 1));
+    if (CUPS_PageBytes(header, &bytes)) {
+      size_t size = bytes ? static_cast<size_t>(bytes) : 1;
+      block = static_cast<uint8_t*>(zeroFill ? calloc(1, size) : malloc(size));
+    }
   }
   if (!block) {
     fputs("ERROR: Unable to allocate memory!\n", stderr);

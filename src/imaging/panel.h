@@ -46,7 +46,11 @@ bool CUPS_PageBytes(const cups_page_header2_t* header, uint64_t* bytes);
 // page described by header (a page of 0 bytes still gets a valid block).
 // Returns 0; when the page exceeds a cap or the allocation fails it writes
 // "ERROR: Unable to allocate memory!" and ends the process with status 1.
-int32_t CUPS_AllocPage(TPrintingTask* task, const cups_page_header2_t* header);
+// With zeroFill false the block is left as the allocator gives it: the
+// caller then owes every byte a zero before it is read (the page loop
+// zeroes each row just before reading into it, and every row it did not
+// read, so that the page holds the bytes of a zero-filled block).
+int32_t CUPS_AllocPage(TPrintingTask* task, const cups_page_header2_t* header, bool zeroFill = true);
 
 // 'Image_Rotate180()' - Turn a width x height image of elementSize-byte
 // pixels (at most 64) by 180 degrees in place.  Returns 0.
