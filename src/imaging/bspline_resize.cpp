@@ -6,6 +6,7 @@
 
 #include "imaging/resample.h"
 #include "imaging/stages.h"
+#include "util/cpu.h"
 
 namespace {
 
@@ -58,15 +59,15 @@ float Image_BSplineWeight(float x) {
   return (a * a * a - 4.0f * (b * b * b) + 6.0f * (c * c * c) - 4.0f * (d * d * d)) * 0.16666667f;
 }
 
-// 'Image_BSplineResample()' - Each output value is the sum, over source rows
+// 'Image_BSplineResamplePortable()' - Each output value is the sum, over source rows
 // m = -1 ... 2 and within each over columns n = -1 ... 2, of value x (wy x wx),
 // accumulated in this order from 0 in single precision, then truncated and
 // cut to its low 8 bits.  The kernel is evaluated once per output row and
 // column (it depends on nothing else), and each source row is converted to
 // floats once while it is in use.
-int32_t Image_BSplineResample(const TImageSource& source, uint32_t dstWidth, uint32_t dstHeight,
-                              uint32_t clipWidth, uint32_t clipHeight, uint8_t* dst,
-                              size_t dstStride) {
+int32_t Image_BSplineResamplePortable(const TImageSource& source, uint32_t dstWidth, uint32_t dstHeight,
+                                      uint32_t clipWidth, uint32_t clipHeight, uint8_t* dst,
+                                      size_t dstStride) {
   if (clipWidth > dstWidth) clipWidth = dstWidth;
   if (clipHeight > dstHeight) clipHeight = dstHeight;
   if (clipWidth == 0 || clipHeight == 0 || source.width == 0 || source.height == 0) return 0;
@@ -132,6 +133,16 @@ int32_t Image_BSplineResample(const TImageSource& source, uint32_t dstWidth, uin
   free(columns);
   free(rowBlock);
   return 0;
+}
+
+// 'Image_BSplineResample()' - The AVX2 way where the processor has it, else
+// the portable one; both give the same bytes.
+int32_t Image_BSplineResample(const TImageSource& source, uint32_t dstWidth, uint32_t dstHeight,
+                              uint32_t clipWidth, uint32_t clipHeight, uint8_t* dst,
+                              size_t dstStride) {
+  if (Cpu_HaveAvx2())
+    return Image_BSplineResampleAvx2(source, dstWidth, dstHeight, clipWidth, clipHeight, dst, dstStride);
+  return Image_BSplineResamplePortable(source, dstWidth, dstHeight, clipWidth, clipHeight, dst, dstStride);
 }
 
 // 'Image_BSplineResize()' - Resample the srcWidth x srcHeight x 3 image src

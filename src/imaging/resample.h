@@ -26,6 +26,18 @@ int32_t Image_BSplineResample(const TImageSource& source, uint32_t dstWidth, uin
                               uint32_t clipWidth, uint32_t clipHeight, uint8_t* dst,
                               size_t dstStride);
 
+// The two ways Image_BSplineResample takes, for the tests that hold them to
+// each other and to the plain version: four lanes (R, G, B and a spare) per
+// output dot, portable; and eight output dots per register with AVX2 (only
+// where Cpu_HaveAvx2() says the processor has it).  Same arguments, same
+// bytes.
+int32_t Image_BSplineResamplePortable(const TImageSource& source, uint32_t dstWidth, uint32_t dstHeight,
+                                      uint32_t clipWidth, uint32_t clipHeight, uint8_t* dst,
+                                      size_t dstStride);
+int32_t Image_BSplineResampleAvx2(const TImageSource& source, uint32_t dstWidth, uint32_t dstHeight,
+                                  uint32_t clipWidth, uint32_t clipHeight, uint8_t* dst,
+                                  size_t dstStride);
+
 // 'Image_CopySource()' - Copy the top-left width x height pixels of source
 // into dst (dstStride bytes per row), in cache-sized tiles.
 void Image_CopySource(const TImageSource& source, uint32_t width, uint32_t height, uint8_t* dst,
