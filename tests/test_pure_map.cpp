@@ -42,6 +42,11 @@ void Pure_Check(const std::vector<uint8_t>& rgb, const std::string& what) {
     pure = pure && (sum == 0 || sum == 765);
     expected[i] = sum == 0 ? 255 : 0;
   }
+  // Without a panel the plain way only tests the dots.
+  {
+    std::vector<uint8_t> input(rgb);
+    ASSERT_EQ(pure, Pure_MapBlackScalar(input.data(), nullptr, count)) << what << " (test only)";
+  }
   for (TPureWay way : Pure_Ways()) {
     std::vector<uint8_t> mono(count + 32, 0x5A);
     // An exact-size copy, so that a read past the image is caught by the

@@ -15,7 +15,6 @@
 // so one load of eight floats and one permutation give all eight; a group
 // of columns for which that fails, and the columns after the last whole
 // group, are computed one dot at a time from the same planes.
-#include <cmath>
 #include <cstdlib>
 #include <cstring>
 
@@ -52,8 +51,6 @@ struct TPlaneCache {
   int64_t tag[4];
   size_t planeFloats;
 };
-
-inline int64_t Avx2_Clamp(int64_t v, int64_t last) { return v < 0 ? 0 : (v > last ? last : v); }
 
 // 'Avx2_SplitRow()' - Eight RGB dots at a time from a plain row into the
 // three planes: byte shuffles gather eight red, eight green and eight blue
@@ -224,15 +221,7 @@ int32_t Image_BSplineResampleAvx2(const TImageSource& source, uint32_t dstWidth,
   }
 
   const int64_t lastColumn = source.width - 1, lastRow = source.height - 1;
-  for (uint32_t i = 0; i < clipWidth; ++i) {
-    float x = static_cast<float>(i) * sx - 0.5f;
-    float fx = std::floor(x);
-    float dx = x - fx;
-    for (int32_t n = -1; n <= 2; ++n) {
-      taps[i].weight[n + 1] = Image_BSplineWeight(dx - static_cast<float>(n));
-      taps[i].column[n + 1] = static_cast<int32_t>(Avx2_Clamp(static_cast<int64_t>(fx) + n, lastColumn));
-    }
-  }
+  for (uint32_t i = 0; i < clipWidth; ++i) Resample_ColumnTaps(i, sx, lastColumn, taps[i].weight, taps[i].column);
   for (uint32_t g = 0; g < groups; ++g) {
     TGroupTaps& gt = groupTaps[g];
     gt.fast = true;
@@ -256,15 +245,11 @@ int32_t Image_BSplineResampleAvx2(const TImageSource& source, uint32_t dstWidth,
   }
 
   for (uint32_t j = 0; j < clipHeight; ++j) {
-    float y = static_cast<float>(j) * sy - 0.5f;
-    float fy = std::floor(y);
-    float dy = y - fy;
-    const float* rows[4];
     float wy[4];
-    for (int32_t m = -1; m <= 2; ++m) {
-      rows[m + 1] = Avx2_Row(&cache, source, Avx2_Clamp(static_cast<int64_t>(fy) + m, lastRow));
-      wy[m + 1] = Image_BSplineWeight(static_cast<float>(m) - dy);
-    }
+    int64_t rowIndex[4];
+    Resample_RowTaps(j, sy, lastRow, wy, rowIndex);
+    const float* rows[4];
+    for (int32_t m = 0; m < 4; ++m) rows[m] = Avx2_Row(&cache, source, rowIndex[m]);
     uint8_t* out = dst + j * dstStride;
     for (uint32_t g = 0; g < groups;) {
       uint8_t* o = out + static_cast<size_t>(g) * kGroup * 3;

@@ -59,6 +59,26 @@ float Image_BSplineWeight(float x) {
   return (a * a * a - 4.0f * (b * b * b) + 6.0f * (c * c * c) - 4.0f * (d * d * d)) * 0.16666667f;
 }
 
+void Resample_ColumnTaps(uint32_t i, float sx, int64_t lastColumn, float weight[4], int32_t column[4]) {
+  float x = static_cast<float>(i) * sx - 0.5f;
+  float fx = std::floor(x);
+  float dx = x - fx;
+  for (int32_t n = -1; n <= 2; ++n) {
+    weight[n + 1] = Image_BSplineWeight(dx - static_cast<float>(n));
+    column[n + 1] = static_cast<int32_t>(Resample_Clamp(static_cast<int64_t>(fx) + n, lastColumn));
+  }
+}
+
+void Resample_RowTaps(uint32_t j, float sy, int64_t lastRow, float weight[4], int64_t row[4]) {
+  float y = static_cast<float>(j) * sy - 0.5f;
+  float fy = std::floor(y);
+  float dy = y - fy;
+  for (int32_t m = -1; m <= 2; ++m) {
+    weight[m + 1] = Image_BSplineWeight(static_cast<float>(m) - dy);
+    row[m + 1] = Resample_Clamp(static_cast<int64_t>(fy) + m, lastRow);
+  }
+}
+
 // 'Image_BSplineResamplePortable()' - Each output value is the sum, over source rows
 // m = -1 ... 2 and within each over columns n = -1 ... 2, of value x (wy x wx),
 // accumulated in this order from 0 in single precision, then truncated and
@@ -91,26 +111,20 @@ int32_t Image_BSplineResamplePortable(const TImageSource& source, uint32_t dstWi
 
   const int64_t lastColumn = source.width - 1, lastRow = source.height - 1;
   for (uint32_t i = 0; i < clipWidth; ++i) {
-    float x = static_cast<float>(i) * sx - 0.5f;
-    float fx = std::floor(x);
-    float dx = x - fx;
-    for (int32_t n = -1; n <= 2; ++n) {
-      columns[i].weight[n + 1] = Image_BSplineWeight(dx - static_cast<float>(n));
-      columns[i].offset[n + 1] =
-          static_cast<int32_t>(Resample_Clamp(static_cast<int64_t>(fx) + n, lastColumn));
-    }
+    float weight[4];
+    Resample_ColumnTaps(i, sx, lastColumn, weight, columns[i].offset);
+    columns[i].weight = v4sf{weight[0], weight[1], weight[2], weight[3]};
   }
 
   for (uint32_t j = 0; j < clipHeight; ++j) {
-    float y = static_cast<float>(j) * sy - 0.5f;
-    float fy = std::floor(y);
-    float dy = y - fy;
+    float weight[4];
+    int64_t rowIndex[4];
+    Resample_RowTaps(j, sy, lastRow, weight, rowIndex);
     const v4sf* rows[4];
     v4sf wy[4];
-    for (int32_t m = -1; m <= 2; ++m) {
-      rows[m + 1] = Resample_Row(&cache, source, Resample_Clamp(static_cast<int64_t>(fy) + m, lastRow));
-      float w = Image_BSplineWeight(static_cast<float>(m) - dy);
-      wy[m + 1] = v4sf{w, w, w, w};
+    for (int32_t m = 0; m < 4; ++m) {
+      rows[m] = Resample_Row(&cache, source, rowIndex[m]);
+      wy[m] = v4sf{weight[m], weight[m], weight[m], weight[m]};
     }
     uint8_t* out = dst + j * dstStride;
     for (uint32_t i = 0; i < clipWidth; ++i, out += 3) {

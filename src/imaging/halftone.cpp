@@ -8,29 +8,6 @@
 #include "imaging/stages.h"
 #include "log/log.h"
 
-namespace {
-
-// Dots tested together before the scan looks for a grey one among them.
-constexpr size_t kScanBlock = 256;
-
-// 'Halftone_FindGrey()' - True when some dot of the n-byte image is neither
-// (0,0,0) nor (255,255,255).  Blocks are tested without branches per dot,
-// and the scan stops at the first block holding a grey dot.
-bool Halftone_FindGrey(const uint8_t* rgb, size_t dots) {
-  for (size_t start = 0; start < dots; start += kScanBlock) {
-    size_t end = dots - start < kScanBlock ? dots : start + kScanBlock;
-    uint32_t grey = 0;
-    for (size_t i = start; i < end; ++i) {
-      uint32_t sum = static_cast<uint32_t>(rgb[3 * i]) + rgb[3 * i + 1] + rgb[3 * i + 2];
-      grey |= (sum != 0) & (sum != 765);
-    }
-    if (grey) return true;
-  }
-  return false;
-}
-
-}  // namespace
-
 // 'Image_Halftone()' - Make the W x H black panel (255 = print) of the side
 // image rgb into *out; the caller frees it with free().  An image of only
 // pure black and pure white dots prints its black dots solid; any grey dot
@@ -55,7 +32,7 @@ int32_t Image_Halftone(TPrintingTask* task, const uint8_t* rgb, uint8_t** out) {
   // Without memory for it the scan runs alone, so that a grey image still
   // reaches the diffusion and a pure one fails as it must.
   uint8_t* mono = static_cast<uint8_t*>(malloc(dots ? dots : 1));
-  bool pure = mono ? Pure_MapBlack(rgb, mono, dots) : !(dots > 0 && Halftone_FindGrey(rgb, dots));
+  bool pure = mono ? Pure_MapBlack(rgb, mono, dots) : Pure_MapBlackScalar(rgb, nullptr, dots);
   if (!pure) {
     free(mono);
     Image_Bilevel(task, rgb, out, g_floydSteinbergKernel, 127);

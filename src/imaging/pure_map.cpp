@@ -29,7 +29,7 @@ bool Pure_MapBlackScalar(const uint8_t* rgb, uint8_t* mono, size_t dots) {
     for (size_t i = start; i < end; ++i) {
       uint32_t sum = static_cast<uint32_t>(rgb[3 * i]) + rgb[3 * i + 1] + rgb[3 * i + 2];
       grey |= (sum != 0) & (sum != 765);
-      mono[i] = sum == 0 ? 255 : 0;
+      if (mono) mono[i] = sum == 0 ? 255 : 0;
     }
     if (grey) return false;
   }

@@ -9,7 +9,8 @@
 // every black dot (0,0,0) and 0 for every white dot (255,255,255), and
 // return true; return false as soon as a dot is neither (a grey dot), with
 // mono then holding no meaningful bytes.  Every way below gives the same
-// answer and, for a pure image, the same bytes.
+// answer and, for a pure image, the same bytes.  Pure_MapBlackScalar also
+// takes a null mono: it then only tests the dots.
 bool Pure_MapBlack(const uint8_t* rgb, uint8_t* mono, size_t dots);
 
 // The ways Pure_MapBlack may take, for the tests that hold them to each

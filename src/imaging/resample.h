@@ -38,6 +38,15 @@ int32_t Image_BSplineResampleAvx2(const TImageSource& source, uint32_t dstWidth,
                                   uint32_t clipWidth, uint32_t clipHeight, uint8_t* dst,
                                   size_t dstStride);
 
+// 'Resample_ColumnTaps()' - The four taps n = -1 ... 2 of output column i
+// for the column scale sx: weights K(dx - n) and source columns clamped to
+// 0 ... lastColumn, where x = i x sx - 0.5, fx = floor(x), dx = x - fx.
+void Resample_ColumnTaps(uint32_t i, float sx, int64_t lastColumn, float weight[4], int32_t column[4]);
+
+// 'Resample_RowTaps()' - The four taps m = -1 ... 2 of output row j for the
+// row scale sy: weights K(m - dy) and source rows clamped to 0 ... lastRow.
+void Resample_RowTaps(uint32_t j, float sy, int64_t lastRow, float weight[4], int64_t row[4]);
+
 // 'Image_CopySource()' - Copy the top-left width x height pixels of source
 // into dst (dstStride bytes per row), in cache-sized tiles.
 void Image_CopySource(const TImageSource& source, uint32_t width, uint32_t height, uint8_t* dst,
