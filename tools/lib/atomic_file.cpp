@@ -99,15 +99,18 @@ bool Tool_ReplaceFile(const std::string& path, const std::string& bytes, unsigne
   if (ok && fchmod(fd, mode) != 0) ok = false, what = "cannot set the mode of " + std::string(g_toolTempPath);
   if (ok && fsync(fd) != 0) ok = false, what = "cannot flush " + std::string(g_toolTempPath);
   if (close(fd) != 0 && ok) ok = false, what = "cannot close " + std::string(g_toolTempPath);
+#ifdef BRELLIAN_TOOL_FAULTS
+  // Test builds only: fail the step before the rename on request.
   const char* fault = getenv("BRELLIAN_TOOL_FAULT");
   if (ok && fault && strcmp(fault, "term") == 0) raise(SIGTERM);
+  if (ok && fault && strcmp(fault, "rename") == 0) {
+    errno = EIO;
+    ok = false;
+    what = "cannot rename " + std::string(g_toolTempPath) + " to " + path;
+  }
+#endif
   if (ok) {
-    if (fault && strcmp(fault, "rename") == 0) {
-      errno = EIO;
-      ok = false;
-    } else {
-      ok = rename(g_toolTempPath, path.c_str()) == 0;
-    }
+    ok = rename(g_toolTempPath, path.c_str()) == 0;
     if (!ok) what = "cannot rename " + std::string(g_toolTempPath) + " to " + path;
   }
   int saveErrno = errno;

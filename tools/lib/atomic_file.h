@@ -12,8 +12,10 @@
 // given) says what failed.  While the temporary file exists, SIGTERM,
 // SIGINT and SIGHUP remove it before the process ends.
 //
-// For tests, the environment variable BRELLIAN_TOOL_FAULT makes the step
-// before the rename fail on purpose: "rename" makes the rename fail with
-// EIO, "term" sends the process SIGTERM just before the rename.
+// In a test build (BRELLIAN_TOOL_FAULTS defined) the environment variable
+// BRELLIAN_TOOL_FAULT makes the step before the rename fail on purpose:
+// "rename" makes the rename fail with EIO, "term" sends the process SIGTERM
+// just before the rename.  Other builds, the installed tools among them,
+// have no such hook.
 bool Tool_ReplaceFile(const std::string& path, const std::string& bytes, unsigned mode,
                       std::string* error);
