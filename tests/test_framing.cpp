@@ -12,6 +12,7 @@
 #include "jobstream/framing.h"
 #include "jobstream/records.h"
 #include "log/log.h"
+#include "support/framing_fixture.h"
 #include "util/sys.h"
 
 namespace {
@@ -38,24 +39,21 @@ std::vector<TRecord> Parse(const std::string& s) {
 
 const uint8_t* U8(const std::string& s) { return reinterpret_cast<const uint8_t*>(s.data()); }
 
-class Framing : public ::testing::Test {
+class Framing : public TFramingTest {
  protected:
   void SetUp() override {
+    TFramingTest::SetUp();
     Log_SetFileName("unit-framing.log");
     Log_SetOutputMask(LOG_OUT_STDERR);
     Log_SetLevel(LOG_LOG);
     Log_SetDepth(0);
-    task.output = open_memstream(&data, &size);
-    task.printerModel = 1060;
-    task.copies = 1;
   }
   void TearDown() override {
-    fclose(task.output);
-    free(data);
+    TFramingTest::TearDown();
     Log_SetOutputMask(0);
     Log_SetDepth(0);
   }
-  std::vector<TRecord> Records() { return Parse(std::string(data, size)); }
+  std::vector<TRecord> Records() { return Parse(Bytes()); }
   std::vector<uint16_t> Types() {
     std::vector<uint16_t> t;
     for (const TRecord& r : Records()) t.push_back(r.type);
@@ -63,20 +61,9 @@ class Framing : public ::testing::Test {
   }
   // One side as page processing opens and closes it.
   void Side() {
-    if (!task.cardOpen) {
-      Job_StartCard(&task);
-      Job_WriteMagEncode(&task);
-    }
-    if (!task.sideOpen) {
-      Job_StartSide(&task);
-      Job_WriteLUTTable(&task);
-    }
+    OpenSide();
     Job_EndSide(&task);
   }
-
-  TPrintingTask task{0, nullptr};
-  char* data = nullptr;
-  size_t size = 0;
 };
 
 }  // namespace

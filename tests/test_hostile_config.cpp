@@ -141,14 +141,7 @@ TEST_P(HostileConfig, JobPrintsWithDefaults) {
   THostileRun run;
   run.input = ValidPage();
   run.env["PPD"] = c.ppd();
-  THostileResult r = Hostile_Run(run);
-  std::string why;
-  EXPECT_TRUE(Hostile_Clean(r, &why)) << why;
-  EXPECT_EQ(0, r.status);
-  EXPECT_EQ(Hostile_ProgressErr({2}), r.err);
-  std::vector<std::string> log = Test_LogMessages();
-  for (const std::string& line : c.logLines) EXPECT_TRUE(Hostile_LogHas(log, line)) << line;
-  for (const std::string& line : c.absentLogLines) EXPECT_FALSE(Hostile_LogHas(log, line)) << line;
+  Hostile_ExpectPrintedWithDefaults(Hostile_Run(run), c.logLines, c.absentLogLines);
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, HostileConfig, ::testing::ValuesIn(kCases),

@@ -195,14 +195,7 @@ TEST_P(HostileFiles, FallBackWithoutBlocking) {
   run.args = {"7", "user", "title", "1", c.options};
   run.env["PPD"] = GeneratedPPD();
   run.env["DEVICE_URI"] = "usbbr://Brellian/X?serial=" + c.serial;
-  THostileResult r = Hostile_Run(run);
-  std::string why;
-  EXPECT_TRUE(Hostile_Clean(r, &why)) << why;
-  EXPECT_EQ(0, r.status);
-  EXPECT_EQ(Hostile_ProgressErr({2}), r.err);
-  std::vector<std::string> log = Test_LogMessages();
-  for (const std::string& line : c.logLines) EXPECT_TRUE(Hostile_LogHas(log, line)) << line;
-  for (const std::string& line : c.absentLogLines) EXPECT_FALSE(Hostile_LogHas(log, line)) << line;
+  Hostile_ExpectPrintedWithDefaults(Hostile_Run(run), c.logLines, c.absentLogLines);
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, HostileFiles, ::testing::ValuesIn(kCases),

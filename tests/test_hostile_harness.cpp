@@ -16,6 +16,7 @@
 #include <unistd.h>
 
 #include <cups/raster.h>
+#include <gtest/gtest.h>
 
 #include "brellian_paths.h"
 #include "support/process.h"
@@ -273,6 +274,21 @@ bool Hostile_LogHas(const std::vector<std::string>& log, const std::string& text
     if (start != std::string::npos && line.compare(start, std::string::npos, text) == 0) return true;
   }
   return false;
+}
+
+void Hostile_ExpectLogLines(const std::vector<std::string>& present, const std::vector<std::string>& absent) {
+  std::vector<std::string> log = Test_LogMessages();
+  for (const std::string& line : present) EXPECT_TRUE(Hostile_LogHas(log, line)) << line;
+  for (const std::string& line : absent) EXPECT_FALSE(Hostile_LogHas(log, line)) << line;
+}
+
+void Hostile_ExpectPrintedWithDefaults(const THostileResult& r, const std::vector<std::string>& present,
+                                       const std::vector<std::string>& absent) {
+  std::string why;
+  EXPECT_TRUE(Hostile_Clean(r, &why)) << why;
+  EXPECT_EQ(0, r.status);
+  EXPECT_EQ(Hostile_ProgressErr({2}), r.err);
+  Hostile_ExpectLogLines(present, absent);
 }
 
 std::vector<uint16_t> Hostile_SimplexColorCard(uint32_t height, uint32_t rowsPerRecord) {

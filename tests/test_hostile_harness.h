@@ -78,6 +78,17 @@ std::vector<uint16_t> Hostile_RecordTypes(const std::string& stream);
 // indentation, is text.
 bool Hostile_LogHas(const std::vector<std::string>& log, const std::string& text);
 
+// 'Hostile_ExpectLogLines()' - The filter's log holds every line of present
+// and none of absent (compared as Hostile_LogHas does).
+void Hostile_ExpectLogLines(const std::vector<std::string>& present,
+                            const std::vector<std::string>& absent = {});
+
+// 'Hostile_ExpectPrintedWithDefaults()' - A run on one valid page of two
+// rows that left nothing behind, ended with status 0 and the page's
+// progress lines, and logged every line of present and none of absent.
+void Hostile_ExpectPrintedWithDefaults(const THostileResult& r, const std::vector<std::string>& present,
+                                       const std::vector<std::string>& absent);
+
 // 'Hostile_SimplexColorCard()' - Record types of a job of one simplex
 // colour card whose panel of the given height goes out in records of
 // rowsPerRecord rows.

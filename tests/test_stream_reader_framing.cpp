@@ -11,25 +11,18 @@
 #include "jobstream/records.h"
 #include "jobstream/stream_reader.h"
 #include "log/log.h"
+#include "support/framing_fixture.h"
 #include "test_stream_reader_builder.h"
 
 namespace {
 
-class StreamReaderFraming : public ::testing::Test {
+class StreamReaderFraming : public TFramingTest {
  protected:
   void SetUp() override {
+    TFramingTest::SetUp();
     Log_SetOutputMask(0);
-    task.output = open_memstream(&data, &size);
     task.printerModel = 1030;
     task.copies = 2;
-  }
-  void TearDown() override {
-    fclose(task.output);
-    free(data);
-  }
-  std::string Bytes() {
-    fflush(task.output);
-    return std::string(data, size);
   }
   // One image as the filter sends it: start record, chunks of whole rows
   // of at most IMAGE_CHUNK_BYTES, end record.
@@ -50,21 +43,10 @@ class StreamReaderFraming : public ::testing::Test {
   }
   // One side: open card and side as page processing does, one image, end the side.
   void Side(int32_t panel, const std::vector<uint8_t>& pixels) {
-    if (!task.cardOpen) {
-      Job_StartCard(&task);
-      Job_WriteMagEncode(&task);
-    }
-    if (!task.sideOpen) {
-      Job_StartSide(&task);
-      Job_WriteLUTTable(&task);
-    }
+    OpenSide();
     Image(1036, 664, panel, pixels);
     Job_EndSide(&task);
   }
-
-  TPrintingTask task{0, nullptr};
-  char* data = nullptr;
-  size_t size = 0;
 };
 
 }  // namespace
