@@ -17,7 +17,7 @@ build=build-fuzz
 targets=("$@")
 if [ ${#targets[@]} -eq 0 ]; then
   targets=(fuzz_page_loop fuzz_settings fuzz_area fuzz_mag fuzz_log_config fuzz_lut fuzz_options
-           fuzz_device_id)
+           fuzz_device_id fuzz_image_ways)
 fi
 parallel="${FUZZ_PARALLEL:-1}"
 
