@@ -145,7 +145,9 @@ template <bool kStraight>
 __attribute__((target("avx2"))) inline TTapValues Avx2_Tap(const float* red, size_t planeFloats,
                                                            const TGroupTaps& g, int32_t n, __m256 w) {
   const float* at = red + g.base[n];
-  __m256 r = _mm256_loadu_ps(at), gr = _mm256_loadu_ps(at + planeFloats), b = _mm256_loadu_ps(at + 2 * planeFloats);
+  __m256 r = _mm256_loadu_ps(at);
+  __m256 gr = _mm256_loadu_ps(at + planeFloats);
+  __m256 b = _mm256_loadu_ps(at + 2 * planeFloats);
   if (!kStraight) {
     const __m256i index = _mm256_load_si256(reinterpret_cast<const __m256i*>(g.index[n]));
     r = _mm256_permutevar8x32_ps(r, index);
@@ -170,13 +172,14 @@ __attribute__((target("avx2"))) void Avx2_Groups(const float* const rows[4], con
   for (int32_t m = 0; m < 4; ++m) {
     const __m256 wym = _mm256_set1_ps(wy[m]);
     for (int32_t n = 0; n < 4; ++n) {
-      TTapValues v = Avx2_Tap<kStraight>(rows[m], planeFloats, first, n, _mm256_mul_ps(wym, _mm256_load_ps(first.weight[n])));
+      const __m256 w0 = _mm256_mul_ps(wym, _mm256_load_ps(first.weight[n]));
+      TTapValues v = Avx2_Tap<kStraight>(rows[m], planeFloats, first, n, w0);
       r0 = _mm256_add_ps(r0, v.red);
       g0 = _mm256_add_ps(g0, v.green);
       b0 = _mm256_add_ps(b0, v.blue);
       if (second) {
-        TTapValues u =
-            Avx2_Tap<kStraight>(rows[m], planeFloats, *second, n, _mm256_mul_ps(wym, _mm256_load_ps(second->weight[n])));
+        const __m256 w1 = _mm256_mul_ps(wym, _mm256_load_ps(second->weight[n]));
+        TTapValues u = Avx2_Tap<kStraight>(rows[m], planeFloats, *second, n, w1);
         r1 = _mm256_add_ps(r1, u.red);
         g1 = _mm256_add_ps(g1, u.green);
         b1 = _mm256_add_ps(b1, u.blue);
@@ -210,14 +213,16 @@ int32_t Image_BSplineResampleAvx2(const TImageSource& source, uint32_t dstWidth,
     free(planes);
     return 1;
   }
-  // The padding is loaded with the columns beside it but never selected;
-  // it is zeroed so that no undefined value is ever read.
-  memset(planes, 0, 4 * 3 * planeFloats * sizeof(float));
   TPlaneCache cache;
   cache.planeFloats = planeFloats;
   for (int32_t s = 0; s < 4; ++s) {
     cache.slots[s] = planes + s * 3 * planeFloats;
     cache.tag[s] = -1;
+    // The padding after each plane's row is loaded with the columns beside
+    // it but never selected; it is zeroed so that no undefined value is
+    // ever read.  The rows themselves are written before they are read.
+    for (int32_t c = 0; c < 3; ++c)
+      memset(cache.slots[s] + c * planeFloats + source.width, 0, (planeFloats - source.width) * sizeof(float));
   }
 
   const int64_t lastColumn = source.width - 1, lastRow = source.height - 1;
