@@ -16,8 +16,12 @@ bash scripts/install-deps.sh --full
 build=build-pkg
 cmake -S . -B "$build" -DCMAKE_INSTALL_PREFIX=/usr -DCMAKE_BUILD_TYPE=Release >/dev/null
 cmake --build "$build" -j"$(nproc)" >/dev/null
+# Only this build's package: no earlier one may be picked by mistake.
+rm -f "$build"/rastertobrellian_*.deb
 (cd "$build" && cpack -G DEB >/dev/null)
-deb="$(ls "$PWD/$build"/rastertobrellian_*_amd64.deb | head -n 1)"
+debs=("$PWD/$build"/rastertobrellian_*.deb)
+[ ${#debs[@]} -eq 1 ] && [ -f "${debs[0]}" ] || { echo "check-package: expected one package, found: ${debs[*]}"; exit 1; }
+deb="${debs[0]}"
 echo "check-package: built $deb"
 
 root="$PWD/$build/pkgcheck"

@@ -16,8 +16,8 @@ shift || true
 build=build-fuzz
 targets=("$@")
 if [ ${#targets[@]} -eq 0 ]; then
-  targets=(fuzz_page_loop fuzz_settings fuzz_area fuzz_mag fuzz_log_config fuzz_lut fuzz_options
-           fuzz_device_id fuzz_image_ways)
+  # Every target in fuzz/: one fuzz_<name>.cpp each.
+  for f in fuzz/fuzz_*.cpp; do targets+=("$(basename "$f" .cpp)"); done
 fi
 parallel="${FUZZ_PARALLEL:-1}"
 
@@ -47,7 +47,7 @@ run_target() {
        -rss_limit_mb=2048 -artifact_prefix="$findings/" -print_final_stats=1 "${extra[@]}" \
        >"$build/findings/$t.log" 2>&1; then
     local runs
-    runs=$(grep -E '^stat::number_of_executed_units' "$build/findings/$t.log" | awk '{print $2}')
+    runs=$(grep -E '^stat::number_of_executed_units' "$build/findings/$t.log" | awk '{print $2}' || true)
     echo "$t: no finding, ${runs:-?} runs in ${seconds}s"
   else
     echo "$t: FINDING, see $build/findings/$t.log"

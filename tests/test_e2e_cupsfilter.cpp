@@ -122,11 +122,14 @@ TEST_F(CupsfilterJobs, TwoPageDuplexPdfPrintsBothSides) {
   // The front's blue band.
   EXPECT_GT(Rgb(front, 1000, Dot(8, 2072))[2], 120);
   TStartCardFields card;
+  int cards = 0;
   for (const TStreamRecord& r : job.stream.records) {
     if (Stream_DecodeStartCard(r, &card)) {
+      ++cards;
       EXPECT_EQ(1, card.duplex);
     }
   }
+  EXPECT_EQ(1, cards);
 }
 
 TEST_F(CupsfilterJobs, PortraitPngPhotoIsTurnedToTheLandscapePanel) {
@@ -179,12 +182,15 @@ TEST_F(CupsfilterJobs, PortraitJpegMonochromeGivesOnlyABlackPanel) {
   ASSERT_TRUE(black);
   EXPECT_EQ(1036u, black->width);
   TStartSideFields side;
+  int sides = 0;
   for (const TStreamRecord& r : job.stream.records) {
     if (Stream_DecodeStartSide(r, &side)) {
+      ++sides;
       EXPECT_EQ(0, side.ymc);
       EXPECT_EQ(1, side.k);
     }
   }
+  EXPECT_EQ(1, sides);
   // Some black is printed (the bar), and most of the panel is not.
   size_t applied = CountApplied(black, 0, 0, black->width, black->height);
   EXPECT_GT(applied, 1000u);

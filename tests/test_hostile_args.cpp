@@ -5,6 +5,8 @@
 // Copyright 2026 The rastertobrellian authors.
 #include <gtest/gtest.h>
 
+#include <cctype>
+
 #include <string>
 #include <vector>
 
@@ -63,10 +65,27 @@ TEST(HostileArgs, TitleWithNewlineAndSpoolerPrefixStaysOneEscapedLogLine) {
       log, "CMD: TITLE   [Badge\\x0APPD: /etc/shadow\\x0AERROR: forged\\x0D\\x1B[2J]"));
   EXPECT_TRUE(Hostile_LogHas(
       log, "ARG3: Badge\\x0APPD: /etc/shadow\\x0AERROR: forged\\x0D\\x1B[2J"));
-  for (const std::string& line : log) {
-    EXPECT_EQ(std::string::npos, line.find('\x1B')) << line;
-    EXPECT_NE(0u, line.find(" PPD: /etc")) << line;
+  // In the raw file every line starts with its own time stamp: the title
+  // could not start a line of its own, and no control byte reached the file.
+  std::string raw = Test_ReadFile(Test_LogFile());
+  ASSERT_FALSE(raw.empty());
+  EXPECT_EQ(std::string::npos, raw.find('\x1B'));
+  EXPECT_EQ(std::string::npos, raw.find('\r'));
+  size_t start = 0, lines = 0;
+  while (start < raw.size()) {
+    size_t end = raw.find('\n', start);
+    std::string line = raw.substr(start, end == std::string::npos ? std::string::npos : end - start);
+    ++lines;
+    ASSERT_GE(line.size(), 16u) << line;
+    for (int i : {0, 1, 2, 3, 4, 5, 7, 8, 10, 11, 13, 14}) ASSERT_TRUE(isdigit(line[i])) << line;
+    ASSERT_EQ(' ', line[6]) << line;
+    ASSERT_EQ(':', line[9]) << line;
+    ASSERT_EQ(':', line[12]) << line;
+    ASSERT_EQ(' ', line[15]) << line;
+    if (end == std::string::npos) break;
+    start = end + 1;
   }
+  EXPECT_GT(lines, 3u);
 }
 
 TEST(HostileArgs, JobIdsOutOfRangeGiveZero) {

@@ -87,9 +87,7 @@ THostileResult Hostile_Run(const THostileRun& run) {
   for (char** e = environ; *e; ++e) {
     std::string entry(*e);
     std::string name = entry.substr(0, entry.find('='));
-    bool drop = env.count(name) > 0;
-    for (const std::string& u : run.unsetEnv) drop = drop || u == name;
-    if (!drop) envStrings.push_back(entry);
+    if (env.count(name) == 0) envStrings.push_back(entry);
   }
   for (const auto& kv : env) envStrings.push_back(kv.first + "=" + kv.second);
   std::vector<std::string> args = {BRELLIAN_FILTER_PATH};

@@ -15,7 +15,6 @@ struct THostileRun {
   std::vector<std::string> args = {"7", "user", "title", "1", ""};
   std::string input;                          // standard input through a pipe
   std::map<std::string, std::string> env;     // added to or replacing the environment
-  std::vector<std::string> unsetEnv;
   THostileStdout stdoutMode = THostileStdout::Pipe;
   double deadlineSeconds = 20;                // the process is killed after this
   // With sigtermOnErr set: write only the first sigtermAfterBytes of input,

@@ -44,13 +44,6 @@ inline std::vector<TStreamRecord> Stream_Split(const std::string& bytes) {
   return records;
 }
 
-// 'Stream_Types()' - The record types of a stream, in order.
-inline std::vector<uint16_t> Stream_Types(const std::vector<TStreamRecord>& records) {
-  std::vector<uint16_t> types;
-  for (const TStreamRecord& r : records) types.push_back(r.type);
-  return types;
-}
-
 // One panel found in a stream: its ICMD_STARTIMAGE fields, its data and the
 // payload sizes of its ICMD_IMAGE records.
 struct TStreamPanel {

@@ -24,6 +24,8 @@
 #if defined(__x86_64__) || defined(__i386__)
 #include <immintrin.h>
 
+#include "imaging/rgb_avx2.h"
+
 namespace {
 
 constexpr uint32_t kGroup = 8;   // output dots per register
@@ -53,21 +55,15 @@ struct TPlaneCache {
 };
 
 // 'Avx2_SplitRow()' - Eight RGB dots at a time from a plain row into the
-// three planes: byte shuffles gather eight red, eight green and eight blue
-// levels, which are widened and converted exactly to floats.  The dots
-// after the last whole eight are converted one by one.
+// three planes: Rgb_SplitEight gathers the levels, which are widened and
+// converted exactly to floats.  The dots after the last whole eight are
+// converted one by one.
 __attribute__((target("avx2"))) void Avx2_SplitRow(const uint8_t* p, uint32_t width, float* red, float* green,
                                                    float* blue) {
-  const __m128i redGreenLow = _mm_setr_epi8(0, 3, 6, 9, 12, 15, -1, -1, 1, 4, 7, 10, 13, -1, -1, -1);
-  const __m128i redGreenHigh = _mm_setr_epi8(-1, -1, -1, -1, -1, -1, 2, 5, -1, -1, -1, -1, -1, 0, 3, 6);
-  const __m128i blueLow = _mm_setr_epi8(2, 5, 8, 11, 14, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1);
-  const __m128i blueHigh = _mm_setr_epi8(-1, -1, -1, -1, -1, 1, 4, 7, -1, -1, -1, -1, -1, -1, -1, -1);
   uint32_t x = 0;
   for (; x + 8 <= width; x += 8, p += 24) {
-    __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-    __m128i high = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p + 16));
-    __m128i redGreen = _mm_or_si128(_mm_shuffle_epi8(low, redGreenLow), _mm_shuffle_epi8(high, redGreenHigh));
-    __m128i blueBytes = _mm_or_si128(_mm_shuffle_epi8(low, blueLow), _mm_shuffle_epi8(high, blueHigh));
+    __m128i redGreen, blueBytes;
+    Rgb_SplitEight(p, &redGreen, &blueBytes);
     _mm256_storeu_ps(red + x, _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(redGreen)));
     _mm256_storeu_ps(green + x, _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(_mm_srli_si128(redGreen, 8))));
     _mm256_storeu_ps(blue + x, _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(blueBytes)));

@@ -18,12 +18,19 @@ namespace {
 // Out of memory, the status of Page_ProcessSubPage_POManual.
 constexpr int32_t PO_MANUAL_NO_MEMORY = 37;
 
-// 'Page_FillSpan()' - Set every dot of an area's span to value.
-void Page_FillSpan(uint8_t* panel, TPanelGeometry g, int32_t x0, int32_t y0, int32_t x1,
-                   int32_t y1, uint8_t value) {
-  if (x1 <= x0 || y1 <= y0) return;
-  for (int32_t y = y0; y < y1; ++y)
-    memset(panel + static_cast<size_t>(y) * g.width + x0, value, static_cast<size_t>(x1 - x0));
+// 'Page_FillAreas()' - Set every dot of the spans of the side's non-empty
+// areas of one group to value, logging each span as "include" or "exclude".
+void Page_FillAreas(uint8_t* panel, TPanelGeometry g, const TArea* areas, const char* word,
+                    uint8_t value) {
+  int32_t x0, y0, x1, y1;
+  for (int32_t i = 0; i < AREAS_PER_GROUP; ++i) {
+    if (Area_IsEmpty(&areas[i])) continue;
+    Area_ToSpan(&areas[i], g.width, g.height, &x0, &y0, &x1, &y1);
+    Log_Write(LOG_LOG, "Page_ProcessSubPage_POManual --> %s: %d,%d - %d,%d", word, x0, y0, x1, y1);
+    if (x1 <= x0 || y1 <= y0) continue;
+    for (int32_t y = y0; y < y1; ++y)
+      memset(panel + static_cast<size_t>(y) * g.width + x0, value, static_cast<size_t>(x1 - x0));
+  }
 }
 
 }  // namespace
@@ -46,23 +53,11 @@ int32_t Page_ProcessSubPage_POManual(TPrintingTask* task) {  // I - Job
   }
   memset(panel, 0, size);
 
-  int32_t x0, y0, x1, y1;
-  for (const TArea& area : task->poAreas[s][AREA_GROUP_PEELOFF]) {
-    if (Area_IsEmpty(&area)) continue;
-    Area_ToSpan(&area, g.width, g.height, &x0, &y0, &x1, &y1);
-    Log_Write(LOG_LOG, "Page_ProcessSubPage_POManual --> include: %d,%d - %d,%d", x0, y0, x1, y1);
-    Page_FillSpan(panel, g, x0, y0, x1, y1, 255);
-  }
-  for (const TArea& area : task->poAreas[s][AREA_GROUP_KEEP]) {
-    if (Area_IsEmpty(&area)) continue;
-    Area_ToSpan(&area, g.width, g.height, &x0, &y0, &x1, &y1);
-    Log_Write(LOG_LOG, "Page_ProcessSubPage_POManual --> exclude: %d,%d - %d,%d", x0, y0, x1, y1);
-    Page_FillSpan(panel, g, x0, y0, x1, y1, 0);
-  }
+  Page_FillAreas(panel, g, task->poAreas[s][AREA_GROUP_PEELOFF], "include", 255);
+  Page_FillAreas(panel, g, task->poAreas[s][AREA_GROUP_KEEP], "exclude", 0);
 
   if (task->rotation(s) == 1) Image_Rotate180(task, panel, g.width, g.height, 1);
-  Page_PrintSidePanel(task, PANEL_PO, panel);
-  free(panel);
+  Page_SendPanel(task, PANEL_PO, panel);
   Log_Write(LOG_ENTRYEXIT, "<<<< Page_ProcessSubPage_POManual");
   return 0;
 }
@@ -96,8 +91,7 @@ int32_t Page_ProcessSubPage_UVManual(TPrintingTask* task) {  // I - Job
       free(panel);
     } else {
       if (task->rotation(s) == 1) Image_Rotate180(task, panel, g.width, g.height, 1);
-      Page_PrintSidePanel(task, PANEL_UV, panel);
-      free(panel);
+      Page_SendPanel(task, PANEL_UV, panel);
     }
   }
 

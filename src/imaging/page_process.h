@@ -18,6 +18,11 @@ int32_t Page_Process(TPrintingTask* task, const cups_page_header2_t* header);
 // tumbled job are turned in place.  Returns 0.
 int32_t Page_PrintSidePanel(TPrintingTask* task, int32_t panelType, uint8_t* data);
 
+// 'Page_SendPanel()' - Write a panel a stage made for this side with
+// Page_PrintSidePanel, then free it.  A null panel (the stage yielded none)
+// writes nothing.
+void Page_SendPanel(TPrintingTask* task, int32_t panelType, uint8_t* panel);
+
 // The per-panel producers: each writes the panel of this page from the
 // W x H x 3 printer-RGB image rgb (which it does not free) and returns 0.
 // RGB: the colour panel, and on a "ColorK" side with resin areas the resin

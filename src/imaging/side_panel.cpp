@@ -1,6 +1,7 @@
 // Writing one side panel as image records of the job command stream.
 // Copyright 2026 The rastertobrellian authors.
 #include <cstdio>
+#include <cstdlib>
 
 #include "driver/printing_task.h"
 #include "imaging/page_process.h"
@@ -94,4 +95,10 @@ int32_t Page_PrintSidePanel(TPrintingTask* task,  // I - Job (output, side, mode
   Page_WriteEndImage(task);
   Log_Write(LOG_ENTRYEXIT, "<<<< Page_PrintSidePanel[%d]", static_cast<int>(total));
   return 0;
+}
+
+void Page_SendPanel(TPrintingTask* task, int32_t panelType, uint8_t* panel) {
+  if (panel == nullptr) return;
+  Page_PrintSidePanel(task, panelType, panel);
+  free(panel);
 }

@@ -20,12 +20,9 @@ namespace {
 // written when rgb is null or the plane could not be had.  The entry and
 // exit lines are the callers' (the log's nesting follows literal markers).
 void Page_SendInvertedPlane(TPrintingTask* task, uint8_t* rgb, int32_t panelType) {
-  if (rgb == nullptr) return;
   uint8_t* plane = nullptr;
   Image_ToInvertedGrayPlane(task, rgb, &plane);  // luminance and inversion in one pass
-  if (plane == nullptr) return;
-  Page_PrintSidePanel(task, panelType, plane);
-  free(plane);
+  Page_SendPanel(task, panelType, plane);
 }
 
 }  // namespace
@@ -40,10 +37,7 @@ int32_t Page_ProcessSubPage_RGB(TPrintingTask* task,  // I - Job
   if (task->ribbon(s) == 3 && task->resin(s) > 0) {
     uint8_t* k = nullptr;
     Image_StripToResin(task, rgb, &k);
-    if (k != nullptr) {
-      Page_PrintSidePanel(task, PANEL_K, k);
-      free(k);
-    }
+    Page_SendPanel(task, PANEL_K, k);
   }
   Log_Write(LOG_ENTRYEXIT, "<<<< Page_ProcessSubPage_RGB");
   return 0;
@@ -55,10 +49,7 @@ int32_t Page_ProcessSubPage_K(TPrintingTask* task,  // I - Job
   Log_Write(LOG_ENTRYEXIT, ">>>> Page_ProcessSubPage_K");
   uint8_t* k = nullptr;
   Image_Halftone(task, rgb, &k);
-  if (k != nullptr) {
-    Page_PrintSidePanel(task, PANEL_K, k);
-    free(k);
-  }
+  Page_SendPanel(task, PANEL_K, k);
   Log_Write(LOG_ENTRYEXIT, "<<<< Page_ProcessSubPage_K");
   return 0;
 }

@@ -37,21 +37,18 @@ int32_t Stream_Fail(TStreamCheck* out, uint64_t offset, const char* fmt, ...) {
   return 1;
 }
 
-// 'Name()' - The name of a known type.
-const char* Name(uint16_t type) { return Stream_RecordName(type); }
-
 // 'Stream_CheckOrder()' - Check that a record of a known type and length
 // may come now; returns 0 or 1 (violation recorded).
 int32_t Stream_CheckOrder(TReaderState* s, const TStreamRecord& rec, TStreamCheck* out) {
   uint64_t at = rec.offset;
   uint16_t t = rec.type;
-  if (s->jobEnded) return Stream_Fail(out, at, "%s after ICMD_ENDJOB", Name(t));
+  if (s->jobEnded) return Stream_Fail(out, at, "%s after ICMD_ENDJOB", Stream_RecordName(t));
   if (!s->jobOpen && t != ICMD_STARTJOB)
-    return Stream_Fail(out, at, "the stream must begin with ICMD_STARTJOB, not %s", Name(t));
+    return Stream_Fail(out, at, "the stream must begin with ICMD_STARTJOB, not %s", Stream_RecordName(t));
   if (s->previous == ICMD_STARTSIDE && t != ICMD_LUTTABLE)
-    return Stream_Fail(out, at, "ICMD_STARTSIDE must be followed by ICMD_LUTTABLE, not %s", Name(t));
+    return Stream_Fail(out, at, "ICMD_STARTSIDE must be followed by ICMD_LUTTABLE, not %s", Stream_RecordName(t));
   if (s->imageOpen && t != ICMD_IMAGE && t != ICMD_ENDIMAGE)
-    return Stream_Fail(out, at, "%s inside an open image (%" PRIu32 " of %" PRIu32 " rows read)", Name(t),
+    return Stream_Fail(out, at, "%s inside an open image (%" PRIu32 " of %" PRIu32 " rows read)", Stream_RecordName(t),
                        s->Image()->rows, s->Image()->height);
   switch (t) {
     case ICMD_STARTJOB:

@@ -15,6 +15,7 @@
 #include <unistd.h>
 
 #include "brellian_paths.h"
+#include "util/safe_file.h"
 #include "util/signal_block.h"
 
 namespace {
@@ -58,23 +59,13 @@ void Log_AppendEscaped(TLineBuffer* line, const char* msg) {
 
 // 'Log_AppendToFile()' - Append one line to a log file: open, write,
 // close.  With rotate set the file is deleted when it has grown past
-// LOG_ROTATE_BYTES.  A file that is not a regular file (a FIFO, a device,
-// a symbolic link) is not written.  Returns false when the file could not
-// be opened.
-//
-// The file is opened without blocking so that a FIFO put in its place can
-// never hold the job; for a regular file the flag changes nothing, so it is
-// left on.  A write to a file opened for appending lands at its end, which
-// is then the position the rotation asks for.
+// LOG_ROTATE_BYTES.  Only a regular file is written (File_OpenRegular: no
+// symbolic link, FIFO or device).  Returns false, with errno set, when the
+// file could not be opened.  A write to a file opened for appending lands at
+// its end, which is then the position the rotation asks for.
 bool Log_AppendToFile(const char* path, const char* line, size_t length, bool rotate) {
-  int fd = open(path, O_WRONLY | O_CREAT | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0666);
+  int fd = File_OpenRegular(path, O_WRONLY | O_CREAT | O_APPEND, 0666);
   if (fd < 0) return false;
-  struct stat st;
-  if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
-    close(fd);
-    errno = EINVAL;
-    return false;
-  }
   ssize_t unused = write(fd, line, length);
   (void)unused;
   off_t position = rotate ? lseek(fd, 0, SEEK_CUR) : 0;
@@ -83,33 +74,29 @@ bool Log_AppendToFile(const char* path, const char* line, size_t length, bool ro
   return true;
 }
 
-// 'Log_AppendInDirectory()' - Append one line to dir/name, creating dir
-// (mode 0777) when it is missing.  The directory usually exists, so the
-// file is opened first and the directory made only when the open finds it
-// missing: the outcome is that of making it first, without a failing call
-// on every line.
-bool Log_AppendInDirectory(const std::string& dir, const char* line, size_t length, bool rotate) {
+// 'Log_AppendInDirectory()' - Append one line to dir/<file>, creating
+// parent (when given) and dir, mode 0777, when they are missing.  The
+// directories usually exist, so the file is opened first and they are made
+// only when the open finds them missing: the outcome is that of making them
+// before every line, without a failing call on every line.
+bool Log_AppendInDirectory(const std::string& dir, const char* line, size_t length, bool rotate,
+                           const char* parent = nullptr) {
   std::string path = dir + "/" + g_logFileName;
   if (Log_AppendToFile(path.c_str(), line, length, rotate)) return true;
   if (errno != ENOENT) return false;
+  if (parent) mkdir(parent, 0777);
   mkdir(dir.c_str(), 0777);
   return Log_AppendToFile(path.c_str(), line, length, rotate);
 }
 
 // 'Log_AppendToHome()' - Append one line to "$HOME/Brellian/Logs/<file>",
-// creating both directories (mode 0777) when missing.  An unset or empty
-// HOME skips the destination rather than writing relative to the current
-// directory.
+// which is rotated.  An unset or empty HOME skips the destination rather
+// than writing relative to the current directory.
 void Log_AppendToHome(const char* line, size_t length) {
   const char* home = getenv("HOME");
   if (!home || !*home) return;
   std::string brellian = std::string(home) + "/Brellian";
-  std::string logs = brellian + "/Logs";
-  std::string path = logs + "/" + g_logFileName;
-  if (Log_AppendToFile(path.c_str(), line, length, true) || errno != ENOENT) return;
-  mkdir(brellian.c_str(), 0777);
-  mkdir(logs.c_str(), 0777);
-  Log_AppendToFile(path.c_str(), line, length, true);
+  Log_AppendInDirectory(brellian + "/Logs", line, length, true, brellian.c_str());
 }
 
 }  // namespace

@@ -7,17 +7,12 @@
 #include "log/log.h"
 #include "options/lut_file.h"
 #include "options/read_context.h"
+#include "options/lut_format.h"
 #include "util/safe_file.h"
 
 namespace {
 
 const TChoiceCode kLUTs[] = {{"Firmware", 0}, {"LUT1", 1}, {"LUT2", 2}, {"LUT3", 3}};
-
-// 'Opt_IdentityLUT()' - Entry i holds i in all three arrays of the side.
-void Opt_IdentityLUT(uint8_t table[3][256]) {
-  for (int c = 0; c < 3; ++c)
-    for (int i = 0; i < 256; ++i) table[c][i] = static_cast<uint8_t>(i);
-}
 
 // 'Opt_ReadSideLUT()' - keyword's table code for one side, its file loaded
 // into table.  A missing file (or a settings name that is not a plain file
@@ -37,7 +32,7 @@ int32_t Opt_ReadSideLUT(const TOptionContext* ctx, const char* keyword, uint8_t 
   if (rc != 0) {
     Log_Write(LOG_ERROR, "  LUT Table not usable: (%s)(line %d: %s)", path.c_str(),
               static_cast<int>(error.line), error.reason);
-    Opt_IdentityLUT(table);
+    Lut_MakeIdentity(table);
     return 0;
   }
   return code;

@@ -21,8 +21,8 @@ int File_OpenRegular(const char* path, int flags, unsigned mode) {
     errno = EINVAL;
     return -1;
   }
-  int fl = fcntl(fd, F_GETFL);
-  if (fl >= 0) fcntl(fd, F_SETFL, fl & ~O_NONBLOCK);
+  // O_NONBLOCK stays on: it only keeps the open from waiting on a FIFO, and
+  // has no effect on reading or writing a regular file.
   return fd;
 }
 

@@ -9,8 +9,10 @@
 
 // 'File_OpenRegular()' - open(2) path with O_NOFOLLOW, O_NONBLOCK and
 // O_CLOEXEC added to flags, then check that it is a regular file.  Returns
-// the descriptor (blocking mode restored), or -1 with errno set (ELOOP for a
-// symbolic link, EINVAL for anything that is not a regular file).
+// the descriptor, or -1 with errno set (ELOOP for a symbolic link, EINVAL
+// for anything that is not a regular file).  The non-blocking flag, which
+// keeps the open from waiting on a FIFO, is left on; it changes nothing for
+// a regular file.
 int File_OpenRegular(const char* path, int flags, unsigned mode = 0666);
 
 // 'File_FOpenRegular()' - The same, wrapped in a stdio stream.  mode is one

@@ -34,6 +34,7 @@ struct TGoldenRun {
   size_t panels = 0;
   size_t bytes = 0;
   uint64_t digest = 0;
+  std::vector<std::string> log;  // the job's log lines, without time stamps
 };
 
 // 'Golden_Pattern()' - count pattern pages of width x height at dpi, duplex.
@@ -55,6 +56,7 @@ TGoldenRun Golden_Run(const std::vector<TRasterPage>& pages, int model, const st
   Test_MakeDirs(dir);
   std::string raster = dir + "/job.ras";
   EXPECT_TRUE(Raster_WriteFile(pages, true, raster));
+  Test_ResetLog();
   TProcessOptions env;
   env.env["PPD"] = std::string(BRELLIAN_BINARY_DIR) + "/ppd/br" + std::to_string(model) + ".ppd";
   env.env["DEVICE_URI"] = "usbbr://Brellian/Golden?serial=golden";
@@ -77,6 +79,7 @@ TGoldenRun Golden_Run(const std::vector<TRasterPage>& pages, int model, const st
   uint64_t hash = 14695981039346656037ull;
   for (unsigned char c : bytes) hash = (hash ^ c) * 1099511628211ull;
   run.digest = hash;
+  run.log = Test_LogMessages();
   return run;
 }
 
@@ -120,9 +123,18 @@ TEST(GoldenStreams, SampleCardAt300Dpi) {
 // A resin strip made from the colour page inside custom areas, and a back
 // side printed in grey.
 TEST(GoldenStreams, ResinStripAndGreyBackAt300Dpi) {
-  Golden_Expect(Golden_Run(Golden_Pattern(2, 1036, 664, 300), 1030,
-                           "frontRibbon=ColorK frontResin=CustomAreas "
-                           "frontResinInclude1=Custom.2mm 2mm 60mm 40mm "
-                           "frontResinExclude1=Custom.10mm 10mm 5mm 5mm backRibbon=Grayscale"),
-                3, 4817934, 0xe123f557b06f58e9ull);
+  TGoldenRun run = Golden_Run(Golden_Pattern(2, 1036, 664, 300), 1030,
+                              "frontRibbon=ColorK frontResin=CustomAreas "
+                              "frontResinInclude1='Custom.2mm 2mm 60mm 40mm' "
+                              "frontResinExclude1='Custom.10mm 10mm 5mm 5mm' backRibbon=Grayscale");
+  Golden_Expect(run, 3, 4817934, 0x489dda45471b1379ull);
+  // The areas reached the resin strip: 2 mm is 24 dots at 300 dpi, and an
+  // area's span runs from its corner over its extent.
+  bool include = false, exclude = false;
+  for (const std::string& line : run.log) {
+    include = include || line.find("Image_StripToResin --> include: 24,24 - 733,496") != std::string::npos;
+    exclude = exclude || line.find("Image_StripToResin --> exclude: 118,118 - 177,177") != std::string::npos;
+  }
+  EXPECT_TRUE(include);
+  EXPECT_TRUE(exclude);
 }

@@ -46,7 +46,6 @@ class TTestSpooler {
   // 'WaitIdle()' - Wait until no job is pending or processing.
   bool WaitIdle(int seconds);
   std::string ErrorLog() const;
-  const std::string& socket() const { return socket_; }
 
  private:
   std::string dir_;
