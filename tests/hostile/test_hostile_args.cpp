@@ -16,13 +16,6 @@
 
 namespace {
 
-std::string ValidPage() {
-  std::string s;
-  Raster_WriteStream({Raster_MakeRGBPage(8, 2, 300, 0, 0, 0)}, false, &s);
-  return s;
-}
-
-std::string GeneratedPPD() { return std::string(BRELLIAN_BINARY_DIR) + "/ppd/br1060.ppd"; }
 
 // 'RunWith()' - One page through the filter with the 1060 PPD and the given
 // job-id, title, copies and options arguments.
@@ -30,9 +23,9 @@ THostileResult RunWith(const std::string& jobId, const std::string& title, const
                        const std::string& options) {
   Test_ResetLog();
   THostileRun run;
-  run.input = ValidPage();
+  run.input = Hostile_ValidPage();
   run.args = {jobId, "user", title, copies, options};
-  run.env["PPD"] = GeneratedPPD();
+  run.env["PPD"] = Test_GeneratedPPD();
   THostileResult r = Hostile_Run(run);
   std::string why;
   EXPECT_TRUE(Hostile_Clean(r, &why)) << why;

@@ -49,7 +49,7 @@ TEST(HostileProcess, StandardOutputClosed) {
   Test_ResetLog();
   THostileRun run;
   run.input = Stream({Raster_MakeRGBPage(8, 2, 300, 0, 0, 0)});
-  run.stdoutMode = THostileStdout::Closed;
+  run.stdoutMode = TProcessStdout::Closed;
   Expect(Hostile_Run(run), 0, Hostile_ProgressErr({2}));
 }
 
@@ -59,7 +59,7 @@ TEST(HostileProcess, StandardOutputFull) {
   Test_ResetLog();
   THostileRun run;
   run.input = Stream({Raster_MakeRGBPage(8, 2, 300, 0, 0, 0), Raster_MakeRGBPage(8, 2, 300, 0, 0, 0)});
-  run.stdoutMode = THostileStdout::Full;
+  run.stdoutMode = TProcessStdout::Full;
   Expect(Hostile_Run(run), 0, Hostile_ProgressErr({2, 2}));
 }
 
