@@ -87,7 +87,7 @@ TEST(HostileArgs, JobIdsOutOfRangeGiveZero) {
       {"-7", -7},         {"12abc", 12},      {"abc", 0}};
   for (const auto& id : kIds) {
     THostileResult r = RunWith(id.first, "t", "1", "");
-    ASSERT_EQ(Hostile_SimplexColorCard(1328, 9), Hostile_RecordTypes(r.out)) << id.first;
+    ASSERT_EQ(Hostile_SimplexColorCard(1328, 9), Test_RecordTypes(r.out)) << id.first;
     EXPECT_EQ(id.second, Word(r.out, 18)) << id.first;                  // ICMD_STARTJOB
     EXPECT_EQ(id.second, Word(r.out, r.out.size() - 4)) << id.first;   // ICMD_ENDJOB
   }

@@ -42,7 +42,7 @@ TEST(HostileProcess, SigtermAfterHundredRowsOnAPipe) {
   run.sigtermAfterBytes = headerBytes + 100 * 24;
   THostileResult r = Hostile_Run(run);
   Expect(r, 0, "PAGE: 1 1\nINFO: Printing page 1, 0% complete...\nINFO: Ready to print.\n");
-  EXPECT_EQ(std::vector<uint16_t>{1}, Hostile_RecordTypes(r.out));
+  EXPECT_EQ(std::vector<uint16_t>{1}, Test_RecordTypes(r.out));
 }
 
 TEST(HostileProcess, StandardOutputClosed) {

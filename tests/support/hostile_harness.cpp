@@ -149,19 +149,6 @@ std::string Hostile_ProgressErr(const std::vector<uint32_t>& heights) {
   return err + "INFO: Ready to print.\n";
 }
 
-std::vector<uint16_t> Hostile_RecordTypes(const std::string& s) {
-  std::vector<uint16_t> types;
-  size_t pos = 0;
-  while (pos + 6 <= s.size()) {
-    const uint8_t* p = reinterpret_cast<const uint8_t*>(s.data() + pos);
-    types.push_back(static_cast<uint16_t>(p[0] | p[1] << 8));
-    pos += 6 + (static_cast<size_t>(p[2]) | static_cast<size_t>(p[3]) << 8 |
-                static_cast<size_t>(p[4]) << 16 | static_cast<size_t>(p[5]) << 24);
-  }
-  if (pos != s.size()) types.push_back(0xFFFF);
-  return types;
-}
-
 bool Hostile_LogHas(const std::vector<std::string>& log, const std::string& text) {
   for (const std::string& line : log) {
     size_t start = line.find_first_not_of(' ');

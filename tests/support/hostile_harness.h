@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "support/process.h"
+#include "support/stream_types.h"
 
 struct THostileRun {
   std::vector<std::string> args = {"7", "user", "title", "1", ""};
@@ -63,9 +64,6 @@ bool Hostile_Clean(const THostileResult& r, std::string* why);
 // the given heights and are all read whole, ending "INFO: Ready to print.".
 std::string Hostile_ProgressErr(const std::vector<uint32_t>& heights);
 
-// 'Hostile_RecordTypes()' - Record types of a job command stream; a stream
-// that does not end on a record boundary gets a final 0xFFFF.
-std::vector<uint16_t> Hostile_RecordTypes(const std::string& stream);
 
 // 'Hostile_LogHas()' - True when a log line, without its leading space and
 // indentation, is text.
