@@ -43,8 +43,6 @@ int32_t Opt_ReadKeyword(const TOptionContext* ctx, const char* keyword) {
   return Opt_ReadKeyword(ctx, keyword, entry ? entry->fallback : 0);
 }
 
-// The model tables use insert-on-miss lookups; the option reader keeps
-// printerModel to the ids those tables hold.
 uint32_t Opt_Resolution(const TOptionContext* ctx) {
-  return g_modelResolution[static_cast<uint32_t>(ctx->task->printerModel)];
+  return Panel_ModelResolution(static_cast<uint32_t>(ctx->task->printerModel));
 }
