@@ -10,7 +10,7 @@ if(EXISTS ${CMAKE_SOURCE_DIR}/docs/man)
           FILES_MATCHING PATTERN "*.1")
 endif()
 # The PPD source, for administrators who generate their own PPD files.
-install(FILES ${CMAKE_SOURCE_DIR}/ppd/brellian.drv DESTINATION ${CUPS_DATADIR}/drv)
+install(FILES ${CMAKE_BINARY_DIR}/ppd/brellian.drv DESTINATION ${CUPS_DATADIR}/drv)
 
 # The configuration and log directories.  An installed filter runs as the
 # spooler's user: it only reads below the configuration root and only writes

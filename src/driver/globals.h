@@ -5,6 +5,8 @@
 #include <csignal>
 #include <cstdint>
 
+#include "brellian_version.h"
+
 class TPrintingTask;
 
 // Status the process ends with: 0 success, 1 failure.
@@ -16,5 +18,4 @@ extern TPrintingTask* g_printingTask;
 
 // The filter's identity.
 #define BRELLIAN_PROGRAM_NAME "rastertobrellian"
-#define BRELLIAN_VERSION "1.0.7"
 #define BRELLIAN_LOG_FILE_NAME "rastertobrellian.log"

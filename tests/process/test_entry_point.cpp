@@ -9,6 +9,7 @@
 #include <unistd.h>
 #include <vector>
 
+#include "brellian_version.h"
 #include "driver/lifecycle.h"
 #include "raster_writer.h"
 #include "support/process.h"
@@ -28,7 +29,7 @@ std::string EntryLine(int argc, const char* level) {
   struct utsname system;
   EXPECT_EQ(0, uname(&system));
   return std::string(" main --> entry(") + std::to_string(argc) + ") os(" + system.sysname +
-         ") version(" + system.version + ") driver(1.0.7) log(" + level + ")";
+         ") version(" + system.version + ") driver(" BRELLIAN_VERSION ") log(" + level + ")";
 }
 
 // 'ExpectUsage()' - The usage line alone on standard error, status 1, no
