@@ -59,6 +59,7 @@ static const char USAGE[] =
     "\n"
     "Example:\n"
     "  rastertobrellian 1 user card 1 \"frontUV=Preset1\" page.ras > job.bin\n"
+    "\n"
     "  brellian-preview -o preview job.bin\n"
     "\n"
     "Exit status: 0 a complete job, 1 the stream breaks a rule (the sides read before\n"
