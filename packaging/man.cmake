@@ -17,6 +17,7 @@ set(BRELLIAN_HELP_MAN_PAGES
   "brellian-uvimage|1|make UV preset files from PNG pictures, show, install and check them"
   "brellian-lut|1|check colour lookup table files and write identity or gamma tables"
   "brellian-preview|1|show what a job will print, one picture per card side"
+  "usbbr|8|CUPS backend for Brellian ID-card printers on USB"
   ${BRELLIAN_EXTRA_HELP_MAN_PAGES})
 
 find_program(HELP2MAN help2man)
