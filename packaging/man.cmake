@@ -98,4 +98,5 @@ if(BRELLIAN_BUILD_TESTS AND HELP2MAN AND BRELLIAN_MAN_VIEWER)
   add_test(NAME ManPages.RenderWithoutWarningsAndShowEachToolsUsage
            COMMAND ${CMAKE_COMMAND} -E env MANWIDTH=${brellian_man_width}
                    bash ${CMAKE_SOURCE_DIR}/scripts/check-man.sh ${BRELLIAN_MAN_DIR} ${brellian_man_programs})
+  set_tests_properties(ManPages.RenderWithoutWarningsAndShowEachToolsUsage PROPERTIES LABELS tools)
 endif()
