@@ -22,12 +22,13 @@ install(FILES ${CMAKE_BINARY_DIR}/changelog.gz DESTINATION ${CMAKE_INSTALL_DOCDI
 install(FILES ${CMAKE_SOURCE_DIR}/packaging/debian/lintian-overrides
         DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/lintian/overrides RENAME rastertobrellian)
 
-# Weekly rotation of the log, run as the spooler's user.  An installed
-# filter only: a build whose system paths lie in its own tree has no
-# rotation.
+# Weekly rotation of the log, run as the spooler's user.  The log lies in
+# /var/log/brellian whatever the prefix, so the rule goes where logrotate
+# reads it, /etc/logrotate.d, also for a build with another prefix.  An
+# installed filter only: a build whose system paths lie in its own tree has
+# no rotation.
 if(BRELLIAN_SYSROOT STREQUAL "")
-  install(FILES ${CMAKE_SOURCE_DIR}/packaging/logrotate/rastertobrellian
-          DESTINATION ${CMAKE_INSTALL_FULL_SYSCONFDIR}/logrotate.d)
+  install(FILES ${CMAKE_SOURCE_DIR}/packaging/logrotate/rastertobrellian DESTINATION /etc/logrotate.d)
 endif()
 
 # The configuration and log directories.  An installed filter runs as the
