@@ -49,7 +49,7 @@ TEST_F(UvJob, TheFilterPrintsTheConvertedPictureAsTheUVPanel) {
   ASSERT_TRUE(Raster_WriteStream({Raster_MakeRGBPage(W, H, 300, 255, 255, 255)}, false, &raster));
   TProcessOptions o;
   o.input = raster;
-  o.env["PPD"] = BRELLIAN_BINARY_DIR "/ppd/br1030.ppd";
+  o.env["PPD"] = Test_GeneratedPPD(1030);
   o.env["DEVICE_URI"] = "brellian://printer?serial=UVJOB1";
   r = Test_RunFilter({"8", "user", "uv", "1", "ribbonType=YMCK-UV frontUV=Preset2"}, o);
   ASSERT_EQ(0, r.status) << r.err;

@@ -85,7 +85,7 @@ static int Uv_MakeRaw(const TUvArgs& a, const std::string& path, std::string* ra
   TPngImage rgb;
   std::string error;
   if (!Png_ReadRGB(path, &rgb, &error)) return Uv_Fail(UV_FILE, path + ": " + error);
-  TPanelGeometry g = g_panelGeometry[a.model];
+  TPanelGeometry g = Panel_ModelGeometry(a.model);
   std::vector<uint8_t> panel;
   if (!Uv_FromImage(rgb, g.width, g.height, a.fit, &panel, &error)) return Uv_Fail(UV_REFUSED, path + ": " + error);
   raw->assign(panel.begin(), panel.end());
@@ -94,7 +94,7 @@ static int Uv_MakeRaw(const TUvArgs& a, const std::string& path, std::string* ra
 
 // 'Uv_ReadRaw()' - A UV file as the filter reads it: at least W x H bytes.
 static int Uv_ReadRaw(const TUvArgs& a, const std::string& path, std::string* raw) {
-  TPanelGeometry g = g_panelGeometry[a.model];
+  TPanelGeometry g = Panel_ModelGeometry(a.model);
   size_t need = static_cast<size_t>(g.width) * g.height;
   if (File_ReadCapped(path.c_str(), 64u * 1024u * 1024u, raw) != 0)
     return Uv_Fail(UV_FILE, "cannot read " + path + ": " + strerror(errno));
@@ -137,7 +137,7 @@ static int Uv_Command(const TUvArgs& a, const std::string& cmd, int argc, char**
   int want = cmd == "check" ? 1 : 2;
   if (argc != want) return Uv_Fail(UV_USAGE, cmd + " takes " + (want == 1 ? "one operand" : "two operands"));
   std::string error, raw;
-  TPanelGeometry g = g_panelGeometry[a.model];
+  TPanelGeometry g = Panel_ModelGeometry(a.model);
   size_t need = static_cast<size_t>(g.width) * g.height;
   if (cmd == "to-raw") {
     if (int rc = Uv_MakeRaw(a, argv[0], &raw)) return rc;
