@@ -24,10 +24,9 @@ constexpr int UV_FILE = 3;      // a file could not be read or written
 
 static const char USAGE[] =
     "Usage: brellian-uvimage --model MODEL [--fit MODE] to-raw PICTURE.png OUTPUT\n"
-    "       brellian-uvimage --model MODEL to-png UVFILE PICTURE.png\n"
-    "       brellian-uvimage --model MODEL [--fit MODE] [--serial SERIAL --preset N]\n"
-    "                        install PICTURE.png NAME\n"
-    "       brellian-uvimage --model MODEL check UVFILE\n"
+    "   or: brellian-uvimage --model MODEL to-png UVFILE PICTURE.png\n"
+    "   or: brellian-uvimage --model MODEL [--fit MODE] [--serial SERIAL --preset N] install PICTURE.png NAME\n"
+    "   or: brellian-uvimage --model MODEL check UVFILE\n"
     "\n"
     "A UV preset file is the UV panel of one card side as the filter sends it: the\n"
     "model's panel size W x H (1036 x 664 for models 1030 and 1035, 2072 x 1328 for\n"
@@ -60,7 +59,9 @@ static const char USAGE[] =
     "\n"
     "Examples:\n"
     "  brellian-uvimage --model 1030 --fit fit install logo.png logo.uv\n"
+    "\n"
     "  brellian-uvimage --model 1030 --serial AB12 --preset 1 install logo.png logo.uv\n"
+    "\n"
     "  brellian-uvimage --model 1060 to-png " BRELLIAN_CONF_DIR "/uv/logo.uv logo-check.png\n"
     "\n"
     "Exit status: 0 done, 1 the picture or file does not fit the model, 2 bad\n"
