@@ -18,6 +18,8 @@ struct TReaderState {
   uint64_t cardId = 0;
   int32_t side = 0;
   uint16_t previous = 0;  // type of the previous record, 0 before the first
+  // False while a part of a job is read whose opening records came before it.
+  bool jobIdKnown = true, cardIdKnown = true, sidesKnown = true, sideKnown = true;
   TStreamCheck* out = nullptr;
   // The open image: always the last panel begun.
   TStreamPanel* Image() const { return &out->panels.back(); }
@@ -109,7 +111,7 @@ int32_t Stream_Apply(TReaderState* s, const TStreamRecord& rec, const uint8_t* p
       break;
     }
     case ICMD_ENDJOB:
-      if (Rec_Get32(payload) != s->jobId)
+      if (s->jobIdKnown && Rec_Get32(payload) != s->jobId)
         return Stream_Fail(out, at, "ICMD_ENDJOB job id %" PRIu32 " differs from ICMD_STARTJOB job id %" PRIu32,
                            Rec_Get32(payload), s->jobId);
       s->jobOpen = false;
@@ -122,25 +124,29 @@ int32_t Stream_Apply(TReaderState* s, const TStreamRecord& rec, const uint8_t* p
       s->cardId = Rec_Get64(payload + STARTCARD_ID - ICMD_HEADER_BYTES);
       break;
     case ICMD_ENDCARD:
-      if (Rec_Get64(payload) != s->cardId)
+      if (s->cardIdKnown && Rec_Get64(payload) != s->cardId)
         return Stream_Fail(out, at, "ICMD_ENDCARD card id %" PRIu64 " differs from ICMD_STARTCARD card id %" PRIu64,
                            Rec_Get64(payload), s->cardId);
       s->cardOpen = false;
       break;
     case ICMD_STARTSIDE: {
       int32_t side = static_cast<int32_t>(Rec_Get32(payload + STARTSIDE_SIDE - ICMD_HEADER_BYTES));
-      if (side != static_cast<int32_t>(s->sides))
+      if (s->sidesKnown ? side != static_cast<int32_t>(s->sides) : side != 0 && side != 1)
         return Stream_Fail(out, at, "ICMD_STARTSIDE for side %" PRId32 ", expected side %" PRIu32, side, s->sides);
       s->sideOpen = true;
       s->side = side;
-      s->sides++;
+      s->sides = static_cast<uint32_t>(side) + 1;
+      s->sidesKnown = s->sideKnown = true;
       s->imagesOnSide = 0;
       break;
     }
     case ICMD_ENDSIDE: {
       int32_t side = static_cast<int32_t>(Rec_Get32(payload));
-      if (side != s->side)
+      if (s->sideKnown && side != s->side)
         return Stream_Fail(out, at, "ICMD_ENDSIDE for side %" PRId32 " while side %" PRId32 " is open", side, s->side);
+      if (!s->sideKnown) s->sides = static_cast<uint32_t>(side) + 1;
+      s->side = side;
+      s->sidesKnown = s->sideKnown = true;
       s->sideOpen = false;
       break;
     }
@@ -209,13 +215,43 @@ std::string Stream_OpenLevel(const TReaderState& s) {
   return text;
 }
 
-}  // namespace
+// 'Stream_OpenFrom()' - For a part of a job: take as open the levels that a
+// first record of type first lies in.  False when no part can begin so.
+bool Stream_OpenFrom(TReaderState* s, uint16_t first) {
+  switch (first) {
+    case ICMD_STARTJOB: return true;
+    case ICMD_STARTCARD: case ICMD_ENDJOB: break;
+    case ICMD_MAGENCODE: case ICMD_STARTSIDE: case ICMD_ENDCARD:
+      s->cardOpen = true;
+      break;
+    case ICMD_LUTTABLE: case ICMD_STARTIMAGE: case ICMD_ENDSIDE:
+      s->cardOpen = s->sideOpen = true;
+      break;
+    default: return false;
+  }
+  s->jobOpen = true;
+  s->jobIdKnown = false;
+  if (s->cardOpen) {
+    s->cards = 1;
+    s->cardIdKnown = s->sidesKnown = false;
+    if (first == ICMD_MAGENCODE) s->previous = ICMD_STARTCARD;
+  }
+  if (s->sideOpen) {
+    s->sideKnown = false;
+    s->side = -1;
+    if (first == ICMD_LUTTABLE) s->previous = ICMD_STARTSIDE;
+  }
+  return true;
+}
 
-// 'Stream_Read()' - Walk the records: header, length, order, fields.
-int32_t Stream_Read(const uint8_t* data, size_t size, TStreamCheck* out) {
+// 'Stream_Walk()' - Walk the records: header, length, order, fields; a part
+// of a job begins with the levels its first record implies open.
+int32_t Stream_Walk(const uint8_t* data, size_t size, bool part, TStreamCheck* out) {
   *out = TStreamCheck();
   TReaderState s;
   s.out = out;
+  if (part && size >= 2 && !Stream_OpenFrom(&s, Rec_Get16(data)))
+    return Stream_Fail(out, 0, "no part of a job begins with record type %u", Rec_Get16(data));
   size_t at = 0;
   while (at < size) {
     size_t left = size - at;
@@ -248,7 +284,20 @@ int32_t Stream_Read(const uint8_t* data, size_t size, TStreamCheck* out) {
   return 0;
 }
 
-// 'Stream_Read()' - The same on a string of bytes.
+}  // namespace
+
+int32_t Stream_Read(const uint8_t* data, size_t size, TStreamCheck* out) {
+  return Stream_Walk(data, size, false, out);
+}
+
+int32_t Stream_ReadPart(const uint8_t* data, size_t size, TStreamCheck* out) {
+  return Stream_Walk(data, size, true, out);
+}
+
 int32_t Stream_Read(const std::string& bytes, TStreamCheck* out) {
   return Stream_Read(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), out);
+}
+
+int32_t Stream_ReadPart(const std::string& bytes, TStreamCheck* out) {
+  return Stream_ReadPart(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), out);
 }

@@ -53,6 +53,16 @@ struct TStreamCheck {
 int32_t Stream_Read(const uint8_t* data, size_t size, TStreamCheck* out);
 int32_t Stream_Read(const std::string& bytes, TStreamCheck* out);
 
+// 'Stream_ReadPart()' - Stream_Read on a part of a job, as the framing and
+// page operations write it on their own: the levels that its first record
+// lies in are taken as open (a first ICMD_STARTCARD lies in a job, a first
+// ICMD_STARTSIDE or ICMD_ENDCARD in a card, a first ICMD_STARTIMAGE or
+// ICMD_ENDSIDE in a side), and the job id, card id and side number sent
+// before the part are not compared.  Everything else is checked as
+// Stream_Read checks it.
+int32_t Stream_ReadPart(const uint8_t* data, size_t size, TStreamCheck* out);
+int32_t Stream_ReadPart(const std::string& bytes, TStreamCheck* out);
+
 // 'Stream_RecordName()' - "ICMD_STARTJOB" ... "ICMD_LUTTABLE", or null for an
 // unknown type.
 const char* Stream_RecordName(uint16_t type);

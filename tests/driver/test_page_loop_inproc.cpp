@@ -13,6 +13,7 @@
 #include "driver/globals.h"
 #include "driver/printing_task.h"
 #include "jobstream/records.h"
+#include "jobstream/stream_reader.h"
 #include "raster_writer.h"
 #include "support/process.h"
 
@@ -48,11 +49,16 @@ class RunInProcess : public ::testing::Test {
     fclose(task.output);
     std::string out(data, size);
     free(data);
+    // Read as a job; where a test opened the card or side in the task
+    // alone, the stream from the first record that closes them on is read
+    // as the part of a job it is.
+    TStreamCheck whole, rest;
+    Stream_Read(out, &whole);
     std::vector<uint16_t> types;
-    for (size_t pos = 0; pos + ICMD_HEADER_BYTES <= out.size();) {
-      const uint8_t* p = reinterpret_cast<const uint8_t*>(out.data() + pos);
-      types.push_back(Rec_Get16(p));
-      pos += ICMD_HEADER_BYTES + Rec_Get32(p + 2);
+    for (const TStreamRecord& r : whole.records) types.push_back(r.type);
+    if (!whole.ok) {
+      EXPECT_EQ(0, Stream_ReadPart(out.substr(whole.errorOffset), &rest)) << whole.error << "; " << rest.error;
+      for (const TStreamRecord& r : rest.records) types.push_back(r.type);
     }
     return types;
   }

@@ -32,7 +32,7 @@ class TManualPanelTest : public TPageTest {
 
   // 'OnlyPanel()' - The one panel written, checked for its type and size.
   std::string OnlyPanel(uint8_t type) {
-    std::vector<TStreamPanel> panels = Stream_Panels(Records());
+    std::vector<TPagePanel> panels = Stream_Panels(Records());
     EXPECT_EQ(1u, panels.size());
     if (panels.size() != 1) return std::string();
     EXPECT_EQ(type, panels[0].type);

@@ -83,7 +83,7 @@ TEST_F(TPageProcessTest, ColourSideEndsAfterOnePage) {
   EXPECT_EQ(0, Page(10, 20, 30));
   EXPECT_EQ("STARTCARD STARTSIDE LUTTABLE IMAGE0 ENDSIDE ENDCARD", Outline());
   EXPECT_EQ(1, task.jobComplete);
-  std::vector<TStreamPanel> panels = Stream_Panels(Records());
+  std::vector<TPagePanel> panels = Stream_Panels(Records());
   ASSERT_EQ(1u, panels.size());
   ASSERT_EQ(kDots * 3, panels[0].data.size());
   EXPECT_EQ(std::string("\0\0\0\x0A\x14\x1E", 6), panels[0].data.substr(0, 6));
@@ -95,7 +95,7 @@ TEST_F(TPageProcessTest, ColorKWithResinAreasSendsColourAndResinFromOnePage) {
   task.resinFlag[0] = 0;
   EXPECT_EQ(0, Page(255, 255, 255));
   EXPECT_EQ("STARTCARD STARTSIDE LUTTABLE IMAGE0 IMAGE1 ENDSIDE ENDCARD", Outline());
-  std::vector<TStreamPanel> panels = Stream_Panels(Records());
+  std::vector<TPagePanel> panels = Stream_Panels(Records());
   ASSERT_EQ(2u, panels.size());
   std::string resin(kDots, '\0');
   resin[0] = '\xFF';  // only the black dot takes resin
@@ -106,7 +106,7 @@ TEST_F(TPageProcessTest, MonochromeSideIsOneBlackPage) {
   task.frontRibbon = 0;
   EXPECT_EQ(0, Page(255, 255, 255));
   EXPECT_EQ("STARTCARD STARTSIDE LUTTABLE IMAGE1 ENDSIDE ENDCARD", Outline());
-  std::vector<TStreamPanel> panels = Stream_Panels(Records());
+  std::vector<TPagePanel> panels = Stream_Panels(Records());
   ASSERT_EQ(1u, panels.size());
   std::string black(kDots, '\0');
   black[0] = '\xFF';
@@ -117,7 +117,7 @@ TEST_F(TPageProcessTest, GrayscaleSidePrintsItsColourPanelInGray) {
   task.frontRibbon = 1;
   EXPECT_EQ(0, Page(255, 0, 0));
   EXPECT_EQ("STARTCARD STARTSIDE LUTTABLE IMAGE0 ENDSIDE ENDCARD", Outline());
-  std::vector<TStreamPanel> panels = Stream_Panels(Records());
+  std::vector<TPagePanel> panels = Stream_Panels(Records());
   ASSERT_EQ(1u, panels.size());
   EXPECT_EQ(std::string("\0\0\0\x4C\x4C\x4C\x4C\x4C\x4C", 9), panels[0].data.substr(0, 9));
 }
@@ -134,7 +134,7 @@ TEST_F(TPageProcessTest, UVAndOverlayPagesFollowTheColourPage) {
   Page(255, 255, 255);
   EXPECT_EQ("IMAGE3 ENDSIDE ENDCARD", Outline());
   EXPECT_EQ(1, task.jobComplete);
-  std::vector<TStreamPanel> panels = Stream_Panels(Records());
+  std::vector<TPagePanel> panels = Stream_Panels(Records());
   ASSERT_EQ(3u, panels.size());
   // UV and overlay from a page: the inverted luminance, so black gives 255.
   EXPECT_EQ(std::string("\xFF\xB3\xB3", 3), panels[1].data.substr(0, 3));
@@ -154,7 +154,7 @@ TEST_F(TPageProcessTest, OverlayPageWithUVPresetSendsThePresetAtOnce) {
   EXPECT_EQ(PANEL_PO, task.subPage);
   Page(255, 255, 255);
   EXPECT_EQ("IMAGE3 ENDSIDE ENDCARD", Outline());
-  std::vector<TStreamPanel> panels = Stream_Panels(Records());
+  std::vector<TPagePanel> panels = Stream_Panels(Records());
   ASSERT_EQ(3u, panels.size());
   EXPECT_TRUE(panels[1].data == std::string(kDots, '\x42'));
 }
@@ -195,7 +195,7 @@ TEST_F(TPageProcessTest, DuplexCardTakesTheBackSideFromTheNextPage) {
   EXPECT_EQ("STARTSIDE LUTTABLE IMAGE1 ENDSIDE ENDCARD", Outline());
   EXPECT_EQ(1, task.jobComplete);
   uint32_t side = 0;
-  for (const TStreamRecord& r : Records()) {
+  for (const TPageRecord& r : Records()) {
     if (r.type != ICMD_STARTSIDE) continue;
     EXPECT_EQ(side++, Rec_Get32(reinterpret_cast<const uint8_t*>(r.payload.data())));
   }
@@ -207,7 +207,7 @@ TEST_F(TPageProcessTest, TumbleTurnsTheBackSideOnly) {
   task.tumble = 1;
   Page(255, 255, 255);
   Page(255, 255, 255);
-  std::vector<TStreamPanel> panels = Stream_Panels(Records());
+  std::vector<TPagePanel> panels = Stream_Panels(Records());
   ASSERT_EQ(2u, panels.size());
   // The black dot stays first on the front and becomes the last on the back.
   EXPECT_EQ(std::string("\0\0\0\xFF", 4), panels[0].data.substr(0, 4));
@@ -220,7 +220,7 @@ TEST_F(TPageProcessTest, TumbleTurnsTheBackSideOnly) {
 TEST_F(TPageProcessTest, RotationTurnsTheSideImage) {
   task.frontRotation = 1;
   Page(255, 255, 255);
-  std::vector<TStreamPanel> panels = Stream_Panels(Records());
+  std::vector<TPagePanel> panels = Stream_Panels(Records());
   ASSERT_EQ(1u, panels.size());
   EXPECT_EQ(std::string("\xFF\xFF\xFF", 3), panels[0].data.substr(0, 3));
   EXPECT_EQ(std::string("\xFF\0\0\0", 4), panels[0].data.substr(kDots * 3 - 4));

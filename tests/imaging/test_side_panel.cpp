@@ -51,7 +51,7 @@ TEST_F(TSidePanelTest, ColourPanel1036x664Is34FullRecordsAndOneShort) {
   EXPECT_EQ(offset + 55944, panel.size());
   EXPECT_TRUE(Bytes() == expected);
 
-  std::vector<TStreamPanel> panels = Stream_Panels(Records());
+  std::vector<TPagePanel> panels = Stream_Panels(Records());
   ASSERT_EQ(1u, panels.size());
   EXPECT_EQ(35u, panels[0].chunks.size());
 
@@ -64,7 +64,7 @@ TEST_F(TSidePanelTest, SingleChannelPanel1036IsWrittenIn59RowRecords) {
   std::vector<uint8_t> panel = Panel(1);
   Page_PrintSidePanel(&task, PANEL_UV, panel.data());
   std::vector<std::string> log = StopLog();
-  std::vector<TStreamPanel> panels = Stream_Panels(Records());
+  std::vector<TPagePanel> panels = Stream_Panels(Records());
   ASSERT_EQ(1u, panels.size());
   EXPECT_EQ(1036, panels[0].width);
   EXPECT_EQ(664, panels[0].height);
@@ -85,7 +85,7 @@ TEST_F(TSidePanelTest, Model1060PanelsUse9And29RowRecords) {
   Page_PrintSidePanel(&task, PANEL_COLOR, colour.data());
   Page_PrintSidePanel(&task, PANEL_K, black.data());
   std::vector<std::string> log = StopLog();
-  std::vector<TStreamPanel> panels = Stream_Panels(Records());
+  std::vector<TPagePanel> panels = Stream_Panels(Records());
   ASSERT_EQ(2u, panels.size());
   // 1328 rows: 147 records of 9 rows and one of 5; 45 records of 29 rows
   // and one of 23.
@@ -126,7 +126,7 @@ TEST_F(TSidePanelTest, TumbleTurnsOnlyTheBackSide) {
   EXPECT_EQ(1, Lines_Count(log, "Tumble: Processing card rotation."));
 
   std::vector<uint8_t> original = Panel(3);
-  std::vector<TStreamPanel> panels = Stream_Panels(Records());
+  std::vector<TPagePanel> panels = Stream_Panels(Records());
   ASSERT_EQ(2u, panels.size());
   EXPECT_TRUE(panels[0].data == std::string(original.begin(), original.end()));
   // The back panel went out turned: pixel i is the original pixel n - 1 - i,
@@ -146,7 +146,7 @@ TEST_F(TSidePanelTest, WithoutTumbleTheBackIsNotTurned) {
   std::vector<std::string> log = StopLog();
   EXPECT_EQ(0, Lines_Count(log, "Tumble: Processing card rotation."));
   std::vector<uint8_t> original = Panel(1);
-  std::vector<TStreamPanel> panels = Stream_Panels(Records());
+  std::vector<TPagePanel> panels = Stream_Panels(Records());
   ASSERT_EQ(1u, panels.size());
   EXPECT_TRUE(panels[0].data == std::string(original.begin(), original.end()));
 }
@@ -185,7 +185,7 @@ TEST_F(TSidePanelTest, RowOfExactlyOneRecordIsOneRowPerRecord) {
   Page_PrintSidePanel(&task, PANEL_COLOR, panel.data());
   g_panelGeometry.erase(kOddModel);
   StopLog();
-  std::vector<TStreamPanel> panels = Stream_Panels(Records());
+  std::vector<TPagePanel> panels = Stream_Panels(Records());
   ASSERT_EQ(1u, panels.size());
   EXPECT_EQ((std::vector<size_t>{61440, 61440}), panels[0].chunks);
 }

@@ -11,6 +11,7 @@
 #include "driver/printing_task.h"
 #include "jobstream/framing.h"
 #include "jobstream/records.h"
+#include "jobstream/stream_reader.h"
 #include "log/log.h"
 #include "support/framing_fixture.h"
 #include "util/sys.h"
@@ -22,18 +23,14 @@ struct TRecord {
   std::string payload;
 };
 
-// 'Parse()' - Split a job command stream into its records.
+// 'Parse()' - The records of a part of a job command stream, read with
+// Stream_ReadPart; the part must read without a fault.
 std::vector<TRecord> Parse(const std::string& s) {
+  TStreamCheck check;
+  EXPECT_EQ(0, Stream_ReadPart(s, &check)) << check.error << " at " << check.errorOffset;
   std::vector<TRecord> out;
-  size_t pos = 0;
-  while (pos + ICMD_HEADER_BYTES <= s.size()) {
-    const uint8_t* p = reinterpret_cast<const uint8_t*>(s.data() + pos);
-    uint32_t len = Rec_Get32(p + 2);
-    if (pos + ICMD_HEADER_BYTES + len > s.size()) break;
-    out.push_back({Rec_Get16(p), s.substr(pos + ICMD_HEADER_BYTES, len)});
-    pos += ICMD_HEADER_BYTES + len;
-  }
-  EXPECT_EQ(pos, s.size()) << "stream ends inside a record";
+  for (const TStreamRecord& r : check.records)
+    out.push_back({r.type, std::string(r.payload.begin(), r.payload.end())});
   return out;
 }
 
@@ -104,15 +101,16 @@ TEST_F(Framing, DuplexFlagDroppingToZeroWhenTheFrontEndsClosesTheCard) {
   task.duplex = 1;
   Job_StartCard(&task);
   Job_StartSide(&task);
+  Job_WriteLUTTable(&task);
   task.duplex = 0;  // the page that ends the front side is simplex
   Job_EndSide(&task);
   EXPECT_EQ(0, task.cardOpen);
   EXPECT_EQ(0, task.sideIndex);
   std::vector<TRecord> r = Records();
-  ASSERT_EQ(4u, r.size());
+  ASSERT_EQ(5u, r.size());
   EXPECT_EQ(1, U8(r[0].payload)[STARTCARD_DUPLEX - 6]);  // the card said duplex
-  EXPECT_EQ(ICMD_ENDSIDE, r[2].type);
-  EXPECT_EQ(ICMD_ENDCARD, r[3].type);
+  EXPECT_EQ(ICMD_ENDSIDE, r[3].type);
+  EXPECT_EQ(ICMD_ENDCARD, r[4].type);
 }
 
 TEST_F(Framing, NoMagEncodeWithoutTrackData) {
@@ -200,11 +198,14 @@ TEST_F(Framing, StartSideUsesTheOptionsOfItsSide) {
 TEST_F(Framing, LUTTableOfTheCurrentSide) {
   for (int c = 0; c < 3; ++c)
     for (int i = 0; i < 256; ++i) task.lutTable[1][c][i] = static_cast<uint8_t>(255 - i + c);
+  // Each table is read as the part of its own side.
   task.sideIndex = 1;
   Job_WriteLUTTable(&task);
+  std::string back = Bytes();
   task.sideIndex = 0;
   Job_WriteLUTTable(&task);
-  std::vector<TRecord> r = Records();
+  std::vector<TRecord> r = Parse(back), front = Parse(Bytes().substr(back.size()));
+  r.insert(r.end(), front.begin(), front.end());
   ASSERT_EQ(2u, r.size());
   EXPECT_EQ(0, memcmp(r[0].payload.data(), task.lutTable[1], 768));
   EXPECT_EQ(0, memcmp(r[1].payload.data(), task.lutTable[0], 768));
@@ -249,9 +250,12 @@ TEST_F(Framing, HeaderCarriesModelCopiesPluginAndQueue) {
 
 TEST_F(Framing, TitleOf127AndOf200Characters) {
   std::string t127(127, 'a'), t200(200, 'b');
+  // Two job headers, each read as the start of a job of its own.
   Job_ProcessHeader(&task, "1", t127.c_str());
+  std::string first = Bytes();
   Job_ProcessHeader(&task, "1", t200.c_str());
-  std::vector<TRecord> r = Records();
+  std::vector<TRecord> r = Parse(first), second = Parse(Bytes().substr(first.size()));
+  r.insert(r.end(), second.begin(), second.end());
   ASSERT_EQ(2u, r.size());
   EXPECT_EQ(t127 + '\0', r[0].payload.substr(21, 128));
   EXPECT_EQ(std::string(127, 'b') + '\0', r[1].payload.substr(21, 128));

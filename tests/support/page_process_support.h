@@ -1,5 +1,5 @@
 // In-process fixture of the page tests: a task writing to memory, log capture
-// and a splitter of the job command stream.
+// and the job command stream read back with the stream reader.
 // Copyright 2026 The rastertobrellian authors.
 #pragma once
 
@@ -13,40 +13,36 @@
 #include "driver/printing_task.h"
 #include "imaging/panel.h"
 #include "jobstream/records.h"
+#include "jobstream/stream_reader.h"
 #include "log/log.h"
 
-// Kept apart from the job-stream reader's names: these tests read single
-// panels that are not framed as a whole job.
+// The records and panels as these tests compare them: every record with
+// its payload, and each panel with the sizes of its image records.
 namespace pagetest {
 
 // One record of the job command stream.
-struct TStreamRecord {
+struct TPageRecord {
   uint16_t type;
   std::string payload;
 };
 
-// 'Stream_Split()' - The records of a command stream, in order.  A record cut
-// short appears as type 0xFFFF with what is left.
-inline std::vector<TStreamRecord> Stream_Split(const std::string& bytes) {
-  std::vector<TStreamRecord> records;
-  size_t pos = 0;
-  while (pos < bytes.size()) {
-    const uint8_t* p = reinterpret_cast<const uint8_t*>(bytes.data()) + pos;
-    if (bytes.size() - pos < ICMD_HEADER_BYTES ||
-        bytes.size() - pos - ICMD_HEADER_BYTES < Rec_Get32(p + 2)) {
-      records.push_back({0xFFFF, bytes.substr(pos)});
-      break;
-    }
-    uint32_t length = Rec_Get32(p + 2);
-    records.push_back({Rec_Get16(p), bytes.substr(pos + ICMD_HEADER_BYTES, length)});
-    pos += ICMD_HEADER_BYTES + length;
-  }
+// 'Stream_Split()' - The records of a part of a command stream, in order,
+// as Stream_ReadPart reads them (image records with their data).  When the
+// reader finds a fault, the rest of the stream from the faulty record
+// appears as type 0xFFFF.
+inline std::vector<TPageRecord> Stream_Split(const std::string& bytes) {
+  ::TStreamCheck check;
+  int32_t rc = ::Stream_ReadPart(bytes, &check);
+  std::vector<TPageRecord> records;
+  for (const ::TStreamRecord& r : check.records)
+    records.push_back({r.type, bytes.substr(static_cast<size_t>(r.offset) + ICMD_HEADER_BYTES, r.length)});
+  if (rc != 0) records.push_back({0xFFFF, bytes.substr(static_cast<size_t>(check.errorOffset))});
   return records;
 }
 
 // One panel found in a stream: its ICMD_STARTIMAGE fields, its data and the
 // payload sizes of its ICMD_IMAGE records.
-struct TStreamPanel {
+struct TPagePanel {
   uint16_t width = 0;
   uint16_t height = 0;
   uint8_t type = 0xFF;
@@ -56,12 +52,12 @@ struct TStreamPanel {
 };
 
 // 'Stream_Panels()' - Every ICMD_STARTIMAGE ... ICMD_ENDIMAGE group.
-inline std::vector<TStreamPanel> Stream_Panels(const std::vector<TStreamRecord>& records) {
-  std::vector<TStreamPanel> panels;
-  for (const TStreamRecord& r : records) {
+inline std::vector<TPagePanel> Stream_Panels(const std::vector<TPageRecord>& records) {
+  std::vector<TPagePanel> panels;
+  for (const TPageRecord& r : records) {
     if (r.type == ICMD_STARTIMAGE && r.payload.size() == ICMD_STARTIMAGE_PAYLOAD) {
       const uint8_t* p = reinterpret_cast<const uint8_t*>(r.payload.data());
-      TStreamPanel panel;
+      TPagePanel panel;
       panel.width = Rec_Get16(p);
       panel.height = Rec_Get16(p + 2);
       panel.type = p[4];
@@ -111,7 +107,7 @@ class TPageTest : public ::testing::Test {
     return std::string(outBuffer, outSize);
   }
 
-  std::vector<TStreamRecord> Records() { return Stream_Split(Bytes()); }
+  std::vector<TPageRecord> Records() { return Stream_Split(Bytes()); }
 
   // 'StopLog()' - End the capture; the log lines with their leading blanks
   // (the line's space and the nesting indentation) removed.
@@ -167,13 +163,13 @@ inline std::vector<std::string> Lines_WithoutWriter(const std::vector<std::strin
 // 'Stream_Outline()' - The records as names separated by blanks, each
 // ICMD_STARTIMAGE ... ICMD_ENDIMAGE group written as IMAGE and its panel
 // type ("STARTCARD STARTSIDE LUTTABLE IMAGE0 ENDSIDE ENDCARD").
-inline std::string Stream_Outline(const std::vector<TStreamRecord>& records) {
+inline std::string Stream_Outline(const std::vector<TPageRecord>& records) {
   static const char* const kNames[] = {"?",         "STARTJOB",  "ENDJOB",    "STARTCARD",
                                        "ENDCARD",   "MAGENCODE", "STARTSIDE", "ENDSIDE",
                                        "STARTIMAGE", "ENDIMAGE", "DATA",      "LUTTABLE"};
   std::string outline;
   bool inImage = false;
-  for (const TStreamRecord& r : records) {
+  for (const TPageRecord& r : records) {
     std::string word;
     if (r.type == ICMD_STARTIMAGE) {
       word = "IMAGE" + std::to_string(r.payload.size() == 5 ? static_cast<uint8_t>(r.payload[4]) : 255);
