@@ -9,8 +9,11 @@ if(EXISTS ${CMAKE_SOURCE_DIR}/docs/man)
   install(DIRECTORY ${CMAKE_SOURCE_DIR}/docs/man/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
           FILES_MATCHING PATTERN "*.1")
 endif()
-# The PPD source, for administrators who generate their own PPD files.
-install(FILES ${CMAKE_SOURCE_DIR}/ppd/brellian.drv DESTINATION ${CUPS_DATADIR}/drv)
+# The PPD source, for administrators who generate their own PPD files.  It
+# goes with the documentation, not into the spooler's drv directory: the
+# spooler lists every model of a .drv file there, so each model would be
+# offered twice, once from it and once from the installed PPD files.
+install(FILES ${CMAKE_SOURCE_DIR}/ppd/brellian.drv DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 # The configuration and log directories.  An installed filter runs as the
 # spooler's user: it only reads below the configuration root and only writes

@@ -172,15 +172,14 @@ bool TTestSpooler::Start(std::string* error) {
                  "Listen " + socket_ + "\n"
                  "LogLevel debug\nWebInterface No\nBrowsing No\n"
                  "<Location />\n  Order allow,deny\n  Allow all\n</Location>\n"
-                 "<Policy default>\n  <Limit All>\n    Order deny,allow\n  </Limit>\n</Policy>\n" +
-                 extraConf_);
+                 "<Policy default>\n  <Limit All>\n    Order deny,allow\n  </Limit>\n</Policy>\n");
   Test_WriteFile(dir_ + "/cups-files.conf",
                  "ServerRoot " + dir_ + "\nServerBin " + sb + "\nDataDir " + dataDir + "\n"
                  "RequestRoot " + dir_ + "/spool\nCacheDir " + dir_ + "/cache\n"
                  "StateDir " + dir_ + "/state\nTempDir " + dir_ + "/spool/tmp\n"
                  "AccessLog " + dir_ + "/log/access_log\nErrorLog " + dir_ + "/log/error_log\n"
                  "PageLog " + dir_ + "/log/page_log\nFileDevice Yes\nUser lp\nGroup lp\n"
-                 "SystemGroup root\n");
+                 "SystemGroup root\n" + extraConf_);
   std::string cupsd = Cups_Which("cupsd");
   pid_ = fork();
   if (pid_ == 0) {

@@ -40,7 +40,7 @@ class TTestSpooler {
   TTestSpooler& operator=(const TTestSpooler&) = delete;
 
   // Before Start: 'SetEnv()' adds a SetEnv line to the spooler's
-  // configuration (filters, backends and device discovery see it);
+  // file configuration (filters, backends and device discovery see it);
   // 'AddBackend()' copies program into the backend directory with mode
   // (0700: run as root); 'AddModels()' lets the spooler's driver list
   // see the PPD files of dir, as DataDir/model/<name>.
