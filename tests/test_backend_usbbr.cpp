@@ -195,3 +195,17 @@ TEST(UsbbrBackend, HelpDescribesTheBackend) {
     EXPECT_NE(std::string::npos, r.out.find(text)) << text;
   EXPECT_EQ(0, lower.Looks());
 }
+
+TEST(UsbbrBackend, SigtermWhileListingStopsTheUsbBackendToo) {
+  std::string dir = WorkDir("discover-cancel");
+  TUsbStandIn lower = Usb_MakeStandIn(dir, {USB_LINE_1060});
+  // A usb backend that hangs while listing, says so, and notes a SIGTERM.
+  Test_WriteFile(lower.program, "#!/bin/sh\ntrap 'echo killed > " + dir +
+                                    "/killed; exit 143' TERM\necho listing >&2\nsleep 60 &\nwait\n");
+  TProcessOptions options;
+  options.sigtermOnErr = "listing";
+  TProcessResult r = RunUsbbr(lower, {}, "", options);
+  EXPECT_EQ(0, r.status) << r.err;
+  EXPECT_EQ("", r.out);
+  EXPECT_EQ("killed\n", Test_ReadFile(dir + "/killed"));
+}

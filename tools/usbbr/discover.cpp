@@ -17,7 +17,9 @@ int Usbbr_Discover() {
   std::vector<TBackendDevice> lower;
   int status = 0;
   std::string error;
-  if (Usbbr_ListLower(Usbbr_LowerPath(), false, nullptr, &lower, &status, &error) != USBBR_LIST_OK) {
+  int32_t listed = Usbbr_ListLower(Usbbr_LowerPath(), false, &g_usbbrCancel, &lower, &status, &error);
+  if (listed == USBBR_LIST_CANCELLED) return CUPS_BACKEND_OK;  // stopped by the spooler: list nothing
+  if (listed != USBBR_LIST_OK) {
     fprintf(stderr, "ERROR: %s\n", error.c_str());
     return CUPS_BACKEND_FAILED;
   }
