@@ -56,7 +56,7 @@ cat > /tmp/usb-standin <<'EOF2'
 echo 'direct usb://Brellian/BR-1060?serial=X "B" "B" "MFG:Brellian;MDL:BR-1060;" ""'
 EOF2
 chmod 755 /tmp/usb-standin
-test -z "$(BRELLIAN_USBBR_LOWER=/tmp/usb-standin /usr/lib/cups/backend/usbbr)"
+test -z "$(BRELLIAN_USBBR_LOWER=/tmp/usb-standin /usr/lib/cups/backend/usbbr 2>/dev/null)"
 test -f /usr/share/ppd/brellian/br1060.ppd
 test "$(stat -c %U /var/log/brellian)" = lp
 test -d /etc/brellian/settings -a -d /etc/brellian/uv -a -d /etc/brellian/lut
