@@ -190,7 +190,7 @@ TEST(UsbbrBackend, HelpDescribesTheBackend) {
   TProcessResult r = RunUsbbr(lower, {"--help"}, "");
   EXPECT_EQ(0, r.status);
   EXPECT_EQ(0u, r.out.find("Usage: usbbr\n"));
-  for (const char* text : {"direct usbbr://MAKER/MODEL?serial=SERIAL", "STATE: +connecting-to-device",
+  for (const char* text : {"usbbr://MAKER/MODEL?serial=SERIAL", "STATE: +connecting-to-device",
                            "&interface=N", "Exit status", "mode 0700", "lpadmin -p cards"})
     EXPECT_NE(std::string::npos, r.out.find(text)) << text;
   EXPECT_EQ(0, lower.Looks());
