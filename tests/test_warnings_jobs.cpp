@@ -167,6 +167,9 @@ TEST_F(TWarnJobs, OverlayPresetNotSetSendsAnEmptyOverlay) {
   ASSERT_EQ(2u, run.check.panels.size());
   EXPECT_TRUE(Job_Pixels(run.check.panels[1]) == std::string(kDots, '\0'));
   EXPECT_EQ(Warn_DesignedLines(1), run.designed);
+  // The same stream as custom overlay areas with no peel-off area.
+  TWarnRun none = Warn_Run({Job_WhitePage()}, "frontPO=CustomAreas");
+  EXPECT_TRUE(run.stream == none.stream);
   EXPECT_TRUE(Warn_Contains(run.log, "Front peel-off: preset 2: (peel-off)()"));
   Warn_LogHasNo(run, "gives no overlay");
 }
@@ -276,6 +279,12 @@ TEST_F(TWarnJobs, UVAndOverlayPagesMissing) {
             run.warnings);
   EXPECT_EQ("STARTJOB STARTCARD STARTSIDE LUTTABLE IMAGE0 ENDSIDE ENDCARD ENDJOB", run.outline);
   EXPECT_EQ(Warn_DesignedLines(1), run.designed);
+  // Up to the end of the colour panel the stream is the three-page job's.
+  TWarnRun three = Warn_Run({Job_WhitePage(), Job_WhitePage(), Job_WhitePage()}, "frontUV=Page frontPO=Page");
+  EXPECT_TRUE(three.warnings.empty());
+  ASSERT_EQ(3u, three.check.panels.size());
+  size_t end = three.check.panels[1].offset;
+  EXPECT_EQ(0, run.stream.compare(0, end, three.stream, 0, end));
 }
 
 TEST_F(TWarnJobs, DuplexJobWithoutABackPage) {
@@ -407,6 +416,10 @@ TEST_F(TWarnJobs, ResinPresetWithoutAreas) {
   // As designed: no include area means the whole card, at the side's flag.
   EXPECT_EQ("STARTJOB STARTCARD STARTSIDE LUTTABLE IMAGE0 IMAGE1 ENDSIDE ENDCARD ENDJOB", run.outline);
   EXPECT_TRUE(Warn_Contains(run.log, "Image_StripToResin --> include: entire card"));
+  // The same stream as custom areas with none given (flag 0 in both).
+  TWarnRun none = Warn_Run({Job_WhitePage()}, "frontRibbon=ColorK frontResin=CustomAreas");
+  EXPECT_TRUE(run.stream == none.stream);
+  EXPECT_EQ(none.designed, run.designed);
 }
 
 TEST_F(TWarnJobs, ResinPresetAreaThatIsNoArea) {
@@ -414,7 +427,11 @@ TEST_F(TWarnJobs, ResinPresetAreaThatIsNoArea) {
   s.resinAreas[1][0][0] = "1 2 3";  // written by another program: three values
   s.resinAreas[1][0][1] = "1mm 1mm 10mm 10mm";
   ASSERT_TRUE(s.Save());
+  s.resinAreas[2][0][0] = "1mm 1mm 10mm 10mm";  // preset 3: the good area alone
+  ASSERT_TRUE(s.Save());
   TWarnRun run = Warn_Run({Job_WhitePage()}, "frontRibbon=ColorK frontResin=Preset2");
+  TWarnRun base = Warn_Run({Job_WhitePage()}, "frontRibbon=ColorK frontResin=Preset3");
+  Warn_ExpectSameOutput(run, base);
   EXPECT_EQ((std::vector<std::string>{"WARNING: frontResin=Preset2: area resin.2.include.1 \"1 2 3\" of the "
                                       "printer's settings is left out: it is not four values left, top, width and "
                                       "height, each a number with a unit px, mm, cm, in or \" (e.g. "
