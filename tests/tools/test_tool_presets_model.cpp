@@ -75,6 +75,11 @@ TEST_F(PresetTools, TheModelChoosesTheResolutionOfTheChecks) {
   EXPECT_EQ(0u, r.err.find("brellian-settings: po.1.keep.2: \"0.03mm 0 0 0\" is no area: all four values are 0 "
                            "dots at 300 dpi"))
       << r.err;
+  // The same with a file named by its path.
+  EXPECT_EQ(0, Test_RunProcess({SETTINGS, "--model", "1060", "--file", dir + "/m.dat", "set", "po.1.keep.1", area})
+                   .status);
+  EXPECT_EQ(1, Test_RunProcess({SETTINGS, "--model", "1030", "--file", dir + "/m.dat", "set", "po.1.keep.1", area})
+                   .status);
   // Without a model every model's resolution is checked.
   r = Test_RunProcess({SETTINGS, "--serial", "PM2", "set", "po.1.keep.2", area});
   EXPECT_EQ(1, r.status);

@@ -24,7 +24,7 @@ constexpr int SET_FILE = 3;      // a file could not be read or written
 
 static const char USAGE[] =
     "Usage: brellian-settings [--model MODEL] --serial SERIAL [--force] COMMAND [ARG...]\n"
-    "       brellian-settings --file PATH [--force] COMMAND [ARG...]\n"
+    "       brellian-settings [--model MODEL] --file PATH [--force] COMMAND [ARG...]\n"
     "\n"
     "Create and change the settings file of a printer: the resin and overlay area\n"
     "presets, the names of its lookup tables and UV images, the flag bytes, the\n"
