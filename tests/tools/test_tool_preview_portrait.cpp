@@ -38,7 +38,7 @@ TEST_F(PreviewPortrait, APortraitPageComesBackUprightAsItWasDrawn) {
   ASSERT_TRUE(Raster_WriteStream({page}, false, &raster));
   TProcessOptions o;
   o.input = raster;
-  o.env["PPD"] = BRELLIAN_BINARY_DIR "/ppd/br1030.ppd";
+  o.env["PPD"] = Test_GeneratedPPD(1030);
   TProcessResult r = Test_RunFilter({"9", "user", "portrait", "1", "frontRibbon=ColorK"}, o);
   ASSERT_EQ(0, r.status) << r.err;
   Test_WriteFile(dir + "/job.bin", r.out);
