@@ -15,7 +15,7 @@
 #include <unistd.h>
 
 #include "brellian_paths.h"
-#include "util/safe_file.h"
+#include "util/trusted_file.h"
 #include "util/signal_block.h"
 
 namespace {
@@ -59,12 +59,14 @@ void Log_AppendEscaped(TLineBuffer* line, const char* msg) {
 
 // 'Log_AppendToFile()' - Append one line to a log file: open, write,
 // close.  With rotate set the file is deleted when it has grown past
-// LOG_ROTATE_BYTES.  Only a regular file is written (File_OpenRegular: no
-// symbolic link, FIFO or device).  Returns false, with errno set, when the
-// file could not be opened.  A write to a file opened for appending lands at
-// its end, which is then the position the rotation asks for.
+// LOG_ROTATE_BYTES.  Only a regular file with one link, owned by root or
+// the process's user, is written (File_OpenOwned: no symbolic link, FIFO,
+// device, hard link or file planted by another user).  Returns false, with
+// errno set, when the file could not be opened or was refused.  A write to
+// a file opened for appending lands at its end, which is then the position
+// the rotation asks for.
 bool Log_AppendToFile(const char* path, const char* line, size_t length, bool rotate) {
-  int fd = File_OpenRegular(path, O_WRONLY | O_CREAT | O_APPEND, 0666);
+  int fd = File_OpenOwned(path, O_WRONLY | O_CREAT | O_APPEND, 0666);
   if (fd < 0) return false;
   ssize_t unused = write(fd, line, length);
   (void)unused;
