@@ -15,7 +15,7 @@
 #include <unistd.h>
 
 #include "brellian_paths.h"
-#include "util/trusted_file.h"
+#include "log/log_file.h"
 #include "util/signal_block.h"
 
 namespace {
@@ -25,6 +25,10 @@ int32_t g_logLevel = LOG_LOG;
 uint32_t g_logOutputMask = 0;
 int32_t g_logDepth = 0;
 std::mutex g_logMutex;
+// The destination files, kept open between lines (log/log_file.h).
+TLogFile g_spoolFile;
+TLogFile g_homeFile;
+TLogFile g_systemFile;
 
 // Appends text to a bounded line; what does not fit is cut.
 struct TLineBuffer {
@@ -57,38 +61,19 @@ void Log_AppendEscaped(TLineBuffer* line, const char* msg) {
   }
 }
 
-// 'Log_AppendToFile()' - Append one line to a log file: open, write,
-// close.  With rotate set the file is deleted when it has grown past
-// LOG_ROTATE_BYTES.  Only a regular file with one link, owned by root or
-// the process's user, is written (File_OpenOwned: no symbolic link, FIFO,
-// device, hard link or file planted by another user).  Returns false, with
-// errno set, when the file could not be opened or was refused.  A write to
-// a file opened for appending lands at its end, which is then the position
-// the rotation asks for.
-bool Log_AppendToFile(const char* path, const char* line, size_t length, bool rotate) {
-  int fd = File_OpenOwned(path, O_WRONLY | O_CREAT | O_APPEND, 0666);
-  if (fd < 0) return false;
-  ssize_t unused = write(fd, line, length);
-  (void)unused;
-  off_t position = rotate ? lseek(fd, 0, SEEK_CUR) : 0;
-  close(fd);
-  if (rotate && position > LOG_ROTATE_BYTES) unlink(path);
-  return true;
-}
-
 // 'Log_AppendInDirectory()' - Append one line to dir/<file>, creating
 // parent (when given) and dir, mode 0777, when they are missing.  The
 // directories usually exist, so the file is opened first and they are made
 // only when the open finds them missing: the outcome is that of making them
 // before every line, without a failing call on every line.
-bool Log_AppendInDirectory(const std::string& dir, const char* line, size_t length, bool rotate,
-                           const char* parent = nullptr) {
+bool Log_AppendInDirectory(TLogFile* file, const std::string& dir, const char* line, size_t length,
+                           bool rotate, const char* parent = nullptr) {
   std::string path = dir + "/" + g_logFileName;
-  if (Log_AppendToFile(path.c_str(), line, length, rotate)) return true;
+  if (LogFile_Append(file, path, line, length, rotate)) return true;
   if (errno != ENOENT) return false;
   if (parent) mkdir(parent, 0777);
   mkdir(dir.c_str(), 0777);
-  return Log_AppendToFile(path.c_str(), line, length, rotate);
+  return LogFile_Append(file, path, line, length, rotate);
 }
 
 // 'Log_AppendToHome()' - Append one line to "$HOME/Brellian/Logs/<file>",
@@ -98,7 +83,7 @@ void Log_AppendToHome(const char* line, size_t length) {
   const char* home = getenv("HOME");
   if (!home || !*home) return;
   std::string brellian = std::string(home) + "/Brellian";
-  Log_AppendInDirectory(brellian + "/Logs", line, length, true, brellian.c_str());
+  Log_AppendInDirectory(&g_homeFile, brellian + "/Logs", line, length, true, brellian.c_str());
 }
 
 }  // namespace
@@ -154,9 +139,10 @@ void Log_Write(int32_t level, const char* format, ...) {
   size_t length = static_cast<size_t>(stampedLen);
   if (g_logOutputMask & LOG_OUT_SPOOL) {
     std::string path = std::string(BRELLIAN_SPOOL_TMP_DIR) + "/" + g_logFileName;
-    if (!Log_AppendToFile(path.c_str(), stamped, length, true)) Log_AppendToHome(stamped, length);
+    if (!LogFile_Append(&g_spoolFile, path, stamped, length, true)) Log_AppendToHome(stamped, length);
   }
   if (g_logOutputMask & LOG_OUT_HOME) Log_AppendToHome(stamped, length);
-  if (g_logOutputMask & LOG_OUT_SYSTEM) Log_AppendInDirectory(BRELLIAN_LOG_DIR, stamped, length, false);
+  if (g_logOutputMask & LOG_OUT_SYSTEM)
+    Log_AppendInDirectory(&g_systemFile, BRELLIAN_LOG_DIR, stamped, length, false);
   errno = savedErrno;
 }
