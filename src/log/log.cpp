@@ -47,18 +47,39 @@ struct TLineBuffer {
 
 // 'Log_AppendEscaped()' - Append a message with every control character
 // written as "\xNN", so that no text reaching the log can start a line of
-// its own or move the terminal.
+// its own or move the terminal.  Runs of plain characters go in one copy.
 void Log_AppendEscaped(TLineBuffer* line, const char* msg) {
-  for (const char* p = msg; *p; ++p) {
+  const char* run = msg;
+  for (const char* p = msg;; ++p) {
     unsigned char c = static_cast<unsigned char>(*p);
-    if (c < 0x20 || c == 0x7F) {
-      char esc[5];
-      snprintf(esc, sizeof esc, "\\x%02X", c);
-      line->Append(esc, 4);
-    } else {
-      line->Append(p, 1);
-    }
+    if (c >= 0x20 && c != 0x7F) continue;
+    line->Append(run, static_cast<size_t>(p - run));
+    if (c == 0) return;
+    char esc[5];
+    snprintf(esc, sizeof esc, "\\x%02X", c);
+    line->Append(esc, 4);
+    run = p + 1;
   }
+}
+
+// Length of the time stamp "YYMMDD HH:MM:SS " that begins every file line.
+constexpr size_t LOG_STAMP_BYTES = 16;
+
+// 'Log_Stamp()' - The time stamp of the current second in local time.  It
+// is made again only when the second changes: lines are written far more
+// often than once a second, and the local time of one second is one text.
+const char* Log_Stamp() {
+  static time_t s_second = -1;
+  static char s_stamp[64];  // room for any int the compiler assumes
+  time_t now = time(nullptr);
+  if (now != s_second) {
+    struct tm tmNow;
+    localtime_r(&now, &tmNow);
+    snprintf(s_stamp, sizeof s_stamp, "%02d%02d%02d %02d:%02d:%02d ", tmNow.tm_year % 100,
+             tmNow.tm_mon + 1, tmNow.tm_mday, tmNow.tm_hour, tmNow.tm_min, tmNow.tm_sec);
+    s_second = now;
+  }
+  return s_stamp;
 }
 
 // 'Log_AppendInDirectory()' - Append one line to dir/<file>, creating
@@ -105,9 +126,7 @@ void Log_Write(int32_t level, const char* format, ...) {
   TSignalBlock block;
   std::lock_guard<std::mutex> lock(g_logMutex);
 
-  time_t now = time(nullptr);
-  struct tm tmNow;
-  localtime_r(&now, &tmNow);
+  const char* stamp = Log_Stamp();
 
   char message[LOG_MESSAGE_BYTES];
   va_list args;
@@ -125,18 +144,18 @@ void Log_Write(int32_t level, const char* format, ...) {
   else if (level == LOG_WARNING) line.Append("WARNING: ");
   Log_AppendEscaped(&line, message);
 
-  char stamped[LOG_MESSAGE_BYTES + 32];
-  int stampedLen = snprintf(stamped, sizeof stamped, "%02d%02d%02d %02d:%02d:%02d %s\n",
-                            tmNow.tm_year % 100, tmNow.tm_mon + 1, tmNow.tm_mday, tmNow.tm_hour,
-                            tmNow.tm_min, tmNow.tm_sec, line.text);
-  if (stampedLen < 0) stampedLen = 0;
-  if (static_cast<size_t>(stampedLen) >= sizeof stamped) stampedLen = sizeof stamped - 1;
+  // The stamped line: "YYMMDD HH:MM:SS ", the line and a line feed.
+  char stamped[LOG_STAMP_BYTES + LOG_MESSAGE_BYTES + 1];
+  memcpy(stamped, stamp, LOG_STAMP_BYTES);
+  memcpy(stamped + LOG_STAMP_BYTES, line.text, line.length);
+  stamped[LOG_STAMP_BYTES + line.length] = '\n';
+  const size_t stampedLen = LOG_STAMP_BYTES + line.length + 1;
 
   if (g_logOutputMask & LOG_OUT_STDERR) {
     fprintf(stderr, "%s\n", line.text);
     fflush(stderr);
   }
-  size_t length = static_cast<size_t>(stampedLen);
+  size_t length = stampedLen;
   if (g_logOutputMask & LOG_OUT_SPOOL) {
     std::string path = std::string(BRELLIAN_SPOOL_TMP_DIR) + "/" + g_logFileName;
     if (!LogFile_Append(&g_spoolFile, path, stamped, length, true)) Log_AppendToHome(stamped, length);
