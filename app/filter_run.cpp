@@ -1,0 +1,219 @@
+// One run of rastertobrellian as a child process, its output pumped to the device.
+// Copyright 2026 The rastertobrellian authors.
+#include "filter_run.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace {
+
+// 'Run_WriteRaster()' - libcups' raster write callback over a pipe;
+// a broken pipe (the filter has ended) gives -1 instead of a signal.
+ssize_t Run_WriteRaster(void* ctx, unsigned char* buffer, size_t bytes) {
+  int fd = *static_cast<int*>(ctx);
+  size_t done = 0;
+  while (done < bytes) {
+    ssize_t n = write(fd, buffer + done, bytes - done);
+    if (n < 0 && errno == EINTR) continue;
+    if (n <= 0) return -1;
+    done += static_cast<size_t>(n);
+  }
+  return static_cast<ssize_t>(bytes);
+}
+
+// 'Run_Clean()' - A filter line made safe for the job's message: control
+// characters become spaces, at most 200 bytes.
+std::string Run_Clean(const std::string& s) {
+  std::string out = s.substr(0, 200);
+  for (char& c : out)
+    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) c = ' ';
+  return out;
+}
+
+}  // namespace
+
+TFilterRun::TFilterRun(pappl_job_t* job, pappl_device_t* device, TFilterMessages* messages)
+    : job_(job), device_(device), messages_(messages) {}
+
+TFilterRun::~TFilterRun() {
+  if (pid_ > 0) {
+    Cancel();
+    Finish();
+  }
+}
+
+// 'TFilterRun::Start()' - Pipes with close-on-exec, posix_spawn, pump thread.
+bool TFilterRun::Start(const TFilterArgs& args) {
+  int in[2], out[2], err[2];
+  if (pipe2(in, O_CLOEXEC) != 0) return false;
+  if (pipe2(out, O_CLOEXEC) != 0) {
+    close(in[0]), close(in[1]);
+    return false;
+  }
+  if (pipe2(err, O_CLOEXEC) != 0) {
+    close(in[0]), close(in[1]), close(out[0]), close(out[1]);
+    return false;
+  }
+  std::vector<char*> argv, envp;
+  argv.push_back(const_cast<char*>("rastertobrellian"));
+  for (const std::string& a : args.argv) argv.push_back(const_cast<char*>(a.c_str()));
+  argv.push_back(nullptr);
+  for (const std::string& e : args.env) envp.push_back(const_cast<char*>(e.c_str()));
+  envp.push_back(nullptr);
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_adddup2(&actions, in[0], 0);
+  posix_spawn_file_actions_adddup2(&actions, out[1], 1);
+  posix_spawn_file_actions_adddup2(&actions, err[1], 2);
+  posix_spawnattr_t attr;
+  posix_spawnattr_init(&attr);
+  sigset_t none, all;
+  sigemptyset(&none);
+  sigfillset(&all);
+  posix_spawnattr_setsigmask(&attr, &none);
+  sigset_t deflt;
+  sigemptyset(&deflt);
+  sigaddset(&deflt, SIGPIPE);
+  sigaddset(&deflt, SIGTERM);
+  posix_spawnattr_setsigdefault(&attr, &deflt);
+  posix_spawnattr_setflags(&attr, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+  int rc = posix_spawn(&pid_, args.filter.c_str(), &actions, &attr, argv.data(), envp.data());
+  posix_spawn_file_actions_destroy(&actions);
+  posix_spawnattr_destroy(&attr);
+  close(in[0]), close(out[1]), close(err[1]);
+  if (rc != 0) {
+    papplLogJob(job_, PAPPL_LOGLEVEL_ERROR, "Unable to run %s: %s", args.filter.c_str(), strerror(rc));
+    close(in[1]), close(out[0]), close(err[0]);
+    pid_ = -1;
+    return false;
+  }
+  papplLogJob(job_, PAPPL_LOGLEVEL_DEBUG, "Started %s as process %d", args.filter.c_str(), static_cast<int>(pid_));
+  inFd_ = in[1];
+  outFd_ = out[0];
+  errFd_ = err[0];
+  raster_ = cupsRasterOpenIO(Run_WriteRaster, &inFd_, CUPS_RASTER_WRITE);
+  pump_ = std::thread(&TFilterRun::Pump, this);
+  return raster_ != nullptr;
+}
+
+// 'TFilterRun::WriteHeader()' - One page header into the raster stream.
+bool TFilterRun::WriteHeader(cups_page_header2_t* header) {
+  if (!raster_ || inputBroken_) return false;
+  if (!cupsRasterWriteHeader2(raster_, header)) inputBroken_ = true;
+  return !inputBroken_;
+}
+
+// 'TFilterRun::WriteRow()' - One row of pixels.
+bool TFilterRun::WriteRow(const unsigned char* row, unsigned bytes) {
+  if (!raster_ || inputBroken_) return false;
+  if (cupsRasterWritePixels(raster_, const_cast<unsigned char*>(row), bytes) != bytes) inputBroken_ = true;
+  return !inputBroken_;
+}
+
+// 'TFilterRun::Cancel()' - SIGTERM once.
+void TFilterRun::Cancel() {
+  if (pid_ > 0 && !cancelled_) {
+    cancelled_ = true;
+    kill(pid_, SIGTERM);
+  }
+}
+
+// 'TFilterRun::Finish()' - Close the input, wait for the output and the child.
+bool TFilterRun::Finish() {
+  if (pid_ <= 0) return false;
+  if (raster_) cupsRasterClose(raster_);
+  raster_ = nullptr;
+  if (inFd_ >= 0) close(inFd_);
+  inFd_ = -1;
+  if (pump_.joinable()) pump_.join();
+  int status = 0;
+  while (waitpid(pid_, &status, 0) < 0 && errno == EINTR) {
+  }
+  pid_ = -1;
+  close(outFd_), close(errFd_);
+  outFd_ = errFd_ = -1;
+  bool clean = WIFEXITED(status) && WEXITSTATUS(status) == 0;
+  if (!clean)
+    papplLogJob(job_, PAPPL_LOGLEVEL_ERROR, "The filter ended with %s %d",
+                WIFEXITED(status) ? "status" : "signal", WIFEXITED(status) ? WEXITSTATUS(status) : WTERMSIG(status));
+  return clean && !deviceFailed_;
+}
+
+// 'TFilterRun::Pump()' - Copy standard output to the device and turn
+// standard error into job messages until both pipes close.
+void TFilterRun::Pump() {
+  std::string pending;
+  char buf[65536];
+  bool outOpen = true, errOpen = true;
+  while (outOpen || errOpen) {
+    pollfd fds[2] = {{outOpen ? outFd_ : -1, POLLIN, 0}, {errOpen ? errFd_ : -1, POLLIN, 0}};
+    if (poll(fds, 2, -1) < 0) {
+      if (errno == EINTR) continue;
+      break;
+    }
+    if (fds[0].revents) {
+      ssize_t n = read(outFd_, buf, sizeof(buf));
+      if (n > 0 && !deviceFailed_) {
+        if (papplDeviceWrite(device_, buf, static_cast<size_t>(n)) != n) {
+          deviceFailed_ = true;
+          papplLogJob(job_, PAPPL_LOGLEVEL_ERROR, "Unable to send the job stream to the printer");
+          Cancel();
+        }
+      } else if (n == 0 || (n < 0 && errno != EINTR)) {
+        outOpen = false;
+      }
+    }
+    if (fds[1].revents) {
+      ssize_t n = read(errFd_, buf, sizeof(buf));
+      if (n > 0) {
+        pending.append(buf, static_cast<size_t>(n));
+        size_t nl;
+        while ((nl = pending.find('\n')) != std::string::npos) {
+          HandleLine(pending.substr(0, nl));
+          pending.erase(0, nl + 1);
+        }
+        if (pending.size() > 4096) pending.clear();
+      } else if (n == 0 || (n < 0 && errno != EINTR)) {
+        errOpen = false;
+      }
+    }
+  }
+  if (!pending.empty()) HandleLine(pending);
+  papplDeviceFlush(device_);
+}
+
+// 'TFilterRun::HandleLine()' - "PAGE:", "INFO:", "WARNING:", "ERROR:".
+void TFilterRun::HandleLine(const std::string& raw) {
+  std::string line = Run_Clean(raw);
+  auto text = [&](size_t prefix) {
+    size_t start = line.find_first_not_of(' ', prefix);
+    return start == std::string::npos ? std::string() : line.substr(start);
+  };
+  if (line.compare(0, 5, "PAGE:") == 0) {
+    papplLogJob(job_, PAPPL_LOGLEVEL_DEBUG, "Filter page %s", text(5).c_str());
+  } else if (line.compare(0, 5, "INFO:") == 0) {
+    papplLogJob(job_, PAPPL_LOGLEVEL_INFO, "%s", text(5).c_str());
+    if (messages_->warnings == 0 && messages_->errors == 0) papplJobSetMessage(job_, "%s", text(5).c_str());
+  } else if (line.compare(0, 8, "WARNING:") == 0) {
+    messages_->warnings++;
+    messages_->lastWarning = text(8);
+    papplLogJob(job_, PAPPL_LOGLEVEL_WARN, "%s", text(8).c_str());
+    papplJobSetReasons(job_, PAPPL_JREASON_WARNINGS_DETECTED, PAPPL_JREASON_NONE);
+    if (messages_->errors == 0) papplJobSetMessage(job_, "Warning: %s", text(8).c_str());
+  } else if (line.compare(0, 6, "ERROR:") == 0) {
+    messages_->errors++;
+    messages_->lastError = text(6);
+    papplLogJob(job_, PAPPL_LOGLEVEL_ERROR, "%s", text(6).c_str());
+    papplJobSetReasons(job_, PAPPL_JREASON_ERRORS_DETECTED, PAPPL_JREASON_NONE);
+    papplJobSetMessage(job_, "Error: %s", text(6).c_str());
+  } else if (!line.empty()) {
+    papplLogJob(job_, PAPPL_LOGLEVEL_DEBUG, "Filter: %s", line.c_str());
+  }
+}
