@@ -125,7 +125,6 @@ pappl_system_t* App_SystemCallback(int num_options, cups_option_t* options, void
   snprintf(version.sversion, sizeof(version.sversion), BRELLIAN_APP_VERSION);
   sscanf(BRELLIAN_APP_VERSION, "%hu.%hu.%hu", &version.version[0], &version.version[1], &version.version[2]);
   papplSystemSetVersions(system, 1, &version);
-  Web_AddSystemPages(system);
   g_stateFile = Sys_StateFile();
   papplSystemLoadState(system, g_stateFile.c_str());
   papplSystemSetSaveCallback(system, reinterpret_cast<pappl_save_cb_t>(papplSystemSaveState),

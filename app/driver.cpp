@@ -8,6 +8,7 @@
 
 #include "raster_job.h"
 #include "vendor_table.h"
+#include "web_pages.h"
 
 namespace {
 
@@ -21,6 +22,7 @@ void Driver_FillData(const TAppModel& model, const TAccessories& acc, pappl_pr_d
   data->rwriteline_cb = Raster_WriteLine;
   data->rendpage_cb = Raster_EndPage;
   data->rendjob_cb = Raster_EndJob;
+  data->delete_cb = Web_RemovePrinterPages;
   data->format = "application/vnd.brellian-job";
   snprintf(data->make_and_model, sizeof(data->make_and_model), "%s", model.description);
   data->ppm = 1;

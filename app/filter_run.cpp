@@ -14,18 +14,17 @@
 
 namespace {
 
-// 'Run_WriteRaster()' - libcups' raster write callback over a pipe;
-// a broken pipe (the filter has ended) gives -1 instead of a signal.
-ssize_t Run_WriteRaster(void* ctx, unsigned char* buffer, size_t bytes) {
-  int fd = *static_cast<int*>(ctx);
+// 'Run_WriteAll()' - Write all bytes to fd; a broken pipe (the filter has
+// ended) gives false instead of a signal.
+bool Run_WriteAll(int fd, const unsigned char* buffer, size_t bytes) {
   size_t done = 0;
   while (done < bytes) {
     ssize_t n = write(fd, buffer + done, bytes - done);
     if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) return -1;
+    if (n <= 0) return false;
     done += static_cast<size_t>(n);
   }
-  return static_cast<ssize_t>(bytes);
+  return true;
 }
 
 // 'Run_Clean()' - A filter line made safe for the job's message: control
@@ -38,6 +37,17 @@ std::string Run_Clean(const std::string& s) {
 }
 
 }  // namespace
+
+// 'TFilterRun::WriteRaster()' - libcups' raster write callback: the pipe
+// to the filter, and the kept copy when one is asked for.
+ssize_t TFilterRun::WriteRaster(void* ctx, unsigned char* buffer, size_t bytes) {
+  TFilterRun* run = static_cast<TFilterRun*>(ctx);
+  if (run->keepFd_ >= 0 && !Run_WriteAll(run->keepFd_, buffer, bytes)) {
+    close(run->keepFd_);
+    run->keepFd_ = -1;
+  }
+  return Run_WriteAll(run->inFd_, buffer, bytes) ? static_cast<ssize_t>(bytes) : -1;
+}
 
 TFilterRun::TFilterRun(pappl_job_t* job, pappl_device_t* device, TFilterMessages* messages)
     : job_(job), device_(device), messages_(messages) {}
@@ -98,7 +108,9 @@ bool TFilterRun::Start(const TFilterArgs& args) {
   inFd_ = in[1];
   outFd_ = out[0];
   errFd_ = err[0];
-  raster_ = cupsRasterOpenIO(Run_WriteRaster, &inFd_, CUPS_RASTER_WRITE);
+  if (!args.keepRaster.empty())
+    keepFd_ = open(args.keepRaster.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0600);
+  raster_ = cupsRasterOpenIO(TFilterRun::WriteRaster, this, CUPS_RASTER_WRITE);
   pump_ = std::thread(&TFilterRun::Pump, this);
   return raster_ != nullptr;
 }
@@ -132,6 +144,8 @@ bool TFilterRun::Finish() {
   raster_ = nullptr;
   if (inFd_ >= 0) close(inFd_);
   inFd_ = -1;
+  if (keepFd_ >= 0) close(keepFd_);
+  keepFd_ = -1;
   if (pump_.joinable()) pump_.join();
   int status = 0;
   while (waitpid(pid_, &status, 0) < 0 && errno == EINTR) {

@@ -13,6 +13,7 @@
 // What a filter run is started with.
 struct TFilterArgs {
   std::string filter;                // path of rastertobrellian
+  std::string keepRaster;            // when set, a copy of the raster stream goes to this file
   std::vector<std::string> argv;     // job-id, user, title, copies, options
   std::vector<std::string> env;      // "NAME=value" entries
 };
@@ -46,6 +47,7 @@ class TFilterRun {
   bool Finish();
 
  private:
+  static ssize_t WriteRaster(void* ctx, unsigned char* buffer, size_t bytes);
   void Pump();
   void HandleLine(const std::string& line);
 
@@ -53,7 +55,7 @@ class TFilterRun {
   pappl_device_t* device_;
   TFilterMessages* messages_;
   pid_t pid_ = -1;
-  int inFd_ = -1, outFd_ = -1, errFd_ = -1;
+  int inFd_ = -1, outFd_ = -1, errFd_ = -1, keepFd_ = -1;
   cups_raster_t* raster_ = nullptr;
   std::thread pump_;
   bool deviceFailed_ = false;

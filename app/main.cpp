@@ -9,6 +9,7 @@
 #include "app_system.h"
 #include "driver.h"
 #include "models.h"
+#include "tool_model.h"
 
 // 'App_Usage()' - The text of --help beyond PAPPL's own.
 static void App_Usage(void*) { fputs(App_UsageText(), stdout); }
@@ -16,6 +17,7 @@ static void App_Usage(void*) { fputs(App_UsageText(), stdout); }
 // 'main()' - PAPPL's main loop with the three drivers.
 int main(int argc, char* argv[]) {
   signal(SIGPIPE, SIG_IGN);  // a filter that ends early must not end the server
+  Tool_Init();               // model tables for the presets; the library's trace log silent
   int32_t count = 0;
   const TAppModel* models = App_Models(&count);
   static std::vector<pappl_pr_driver_t> drivers;

@@ -59,6 +59,11 @@ bool Raster_NewCard(pappl_job_t* job, pappl_device_t* device, TRasterJob* rj) {
   rj->run.reset(new TFilterRun(job, device, &rj->messages));
   rj->pagesInCard = 0;
   rj->cards++;
+  const char* keep = getenv("BRELLIAN_APP_RASTER_DIR");
+  rj->args.keepRaster.clear();
+  if (keep && *keep)
+    rj->args.keepRaster = std::string(keep) + "/job" + std::to_string(papplJobGetID(job)) + "-card" +
+                          std::to_string(rj->cards) + ".ras";
   if (!rj->run->Start(rj->args)) {
     rj->failed = true;
     papplJobSetMessage(job, "Unable to start the card filter");
@@ -90,6 +95,8 @@ bool Raster_StartJob(pappl_job_t* job, pappl_pr_options_t* options, pappl_device
   rj->args.argv = {std::to_string(papplJobGetID(job)), user ? user : "guest", title ? title : "", "1", opts};
   rj->args.env = Raster_Env(*model, rj->acc, printer);
   papplLogJob(job, PAPPL_LOGLEVEL_DEBUG, "Filter options: %s", opts.c_str());
+  papplLogJob(job, PAPPL_LOGLEVEL_DEBUG, "Filter environment: %s %s %s", rj->args.env[0].c_str(),
+              rj->args.env[1].c_str(), rj->args.env[2].c_str());
   papplJobSetData(job, rj);
   return true;
 }

@@ -76,7 +76,7 @@ static const char USAGE[] =
     "  brellian-front-secure-erase, brellian-front-rotate (and back)   true, false\n"
     "  brellian-front-custom-areas, brellian-back-custom-areas\n"
     "      resin=AREA;AREA|no-resin=AREA|overlay-off=AREA|overlay-keep=AREA,\n"
-    "      each AREA \"LEFT TOP RIGHT BOTTOM\" with units px, mm, cm or in\n"
+    "      each AREA \"LEFT TOP WIDTH HEIGHT\" with units px, mm, cm or in\n"
     "  brellian-card-thickness          printer-setting, thin, standard\n"
     "  brellian-overlay-over-stripe     printer-setting, auto, disabled, enabled\n"
     "  brellian-laminate, brellian-entry-flip, brellian-eject-existing,\n"
