@@ -62,7 +62,8 @@ bool Raster_NewCard(pappl_job_t* job, pappl_device_t* device, TRasterJob* rj) {
   const char* keep = getenv("BRELLIAN_APP_RASTER_DIR");
   rj->args.keepRaster.clear();
   if (keep && *keep)
-    rj->args.keepRaster = std::string(keep) + "/job" + std::to_string(papplJobGetID(job)) + "-card" +
+    rj->args.keepRaster = std::string(keep) + "/" + papplPrinterGetName(papplJobGetPrinter(job)) + "-job" +
+                          std::to_string(papplJobGetID(job)) + "-card" +
                           std::to_string(rj->cards) + ".ras";
   if (!rj->run->Start(rj->args)) {
     rj->failed = true;

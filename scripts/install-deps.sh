@@ -4,7 +4,8 @@
 set -euo pipefail
 
 packages=(build-essential cmake pkg-config libcups2-dev libcupsimage2-dev libgtest-dev
-          libbenchmark-dev libpng-dev cups-ppdc cups-client libpappl-dev)
+          libbenchmark-dev libpng-dev cups-ppdc cups-client libpappl-dev cups-ipp-utils
+          libjpeg-turbo-progs python3)
 if [ "${1:-}" = "--full" ]; then
   packages+=(cups cups-filters ghostscript poppler-utils clang libclang-rt-14-dev)
 fi

@@ -95,6 +95,38 @@ class AppServer:
         return "http://localhost:%d%s" % (self.port, path)
 
 
+def ipp_simple(server, printer, operation, extra=(), display=()):
+    """One IPP operation on a printer through ipptool; its response attributes (name -> text)."""
+    lines = ["{", "OPERATION %s" % operation, "GROUP operation-attributes-tag",
+             "ATTR charset attributes-charset utf-8", "ATTR language attributes-natural-language en",
+             "ATTR uri printer-uri $uri", "ATTR name requesting-user-name tester"] + list(extra)
+    lines += ["STATUS successful-ok"] + ["DISPLAY %s" % d for d in display] + ["}"]
+    test = os.path.join(server.tmp, "op-%s.test" % uuid.uuid4().hex)
+    with open(test, "w") as f:
+        f.write("\n".join(lines) + "\n")
+    r = subprocess.run(["ipptool", "-tv", server.uri(printer), test], capture_output=True, text=True, timeout=60)
+    out = {}
+    for line in r.stdout.split("RECEIVED:", 1)[-1].splitlines():
+        m = re.match(r"\s+([a-z-]+) \(([^)]*)\) = (.*)$", line)
+        if m:
+            out[m.group(1)] = m.group(3)
+    return out
+
+
+def cancel_when_processing(server, printer, delay, timeout=60):
+    """Wait until a job of the printer is processing, then after delay seconds cancel it; its id or None."""
+    deadline = time.time() + timeout
+    while time.time() < deadline:
+        jobs = ipp_simple(server, printer, "Get-Jobs", ["ATTR keyword which-jobs not-completed",
+                                                        "ATTR keyword requested-attributes job-id,job-state"])
+        if jobs.get("job-state") == "processing":
+            time.sleep(delay)
+            ipp_simple(server, printer, "Cancel-Job", ["ATTR integer job-id %s" % jobs["job-id"]])
+            return jobs["job-id"]
+        time.sleep(0.2)
+    return None
+
+
 def ipp_print(server, printer, document, fmt, job_name, attrs=(), cancel_after=None, copies=None):
     """Print a document with ipptool and wait for the job to end; the job's attributes (name -> text)."""
     lines = ["{", "NAME \"print %s\"" % job_name, "OPERATION Print-Job", "GROUP operation-attributes-tag",
@@ -110,11 +142,6 @@ def ipp_print(server, printer, document, fmt, job_name, attrs=(), cancel_after=N
         lines.append("ATTR %s %s %s" % (syntax, name, value))
     lines += ["FILE $filename", "STATUS successful-ok", "STATUS successful-ok-ignored-or-substituted-attributes",
               "EXPECT job-id", "}"]
-    if cancel_after is not None:
-        lines += ["{", "NAME \"cancel\"", "DELAY %g" % cancel_after, "OPERATION Cancel-Job",
-                  "GROUP operation-attributes-tag", "ATTR charset attributes-charset utf-8",
-                  "ATTR language attributes-natural-language en", "ATTR uri printer-uri $uri",
-                  "ATTR integer job-id $job-id", "ATTR name requesting-user-name tester", "STATUS successful-ok", "}"]
     lines += ["{", "NAME \"wait\"", "OPERATION Get-Job-Attributes", "GROUP operation-attributes-tag",
               "ATTR charset attributes-charset utf-8", "ATTR language attributes-natural-language en",
               "ATTR uri printer-uri $uri", "ATTR integer job-id $job-id", "ATTR name requesting-user-name tester",
@@ -124,8 +151,15 @@ def ipp_print(server, printer, document, fmt, job_name, attrs=(), cancel_after=N
     test = os.path.join(server.tmp, "job-%s.test" % uuid.uuid4().hex)
     with open(test, "w") as f:
         f.write("\n".join(lines) + "\n")
-    r = subprocess.run(["ipptool", "-tv", "-f", document, server.uri(printer), test], capture_output=True, text=True,
-                       timeout=300)
+    args = ["ipptool", "-tv", "-f", document, server.uri(printer), test]
+    if cancel_after is None:
+        r = subprocess.run(args, capture_output=True, text=True, timeout=300)
+    else:
+        # A streamed raster job answers Print-Job only when it ends: cancel it from a second connection.
+        proc = subprocess.Popen(args, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+        cancel_when_processing(server, printer, cancel_after)
+        stdout, stderr = proc.communicate(timeout=300)
+        r = subprocess.CompletedProcess(args, proc.returncode, stdout, stderr)
     attrs_out = {}
     for line in r.stdout.splitlines():
         m = re.match(r"\s+([a-z-]+) \(([^)]*)\) = (.*)$", line)
@@ -240,6 +274,34 @@ def parse_page(body):
     return p.forms, " ".join(" ".join(p.text).split())
 
 
+def dechunk(rest):
+    """The body of a chunked HTTP response, or None while it is incomplete."""
+    out = b""
+    while True:
+        size_line, sep, rest = rest.partition(b"\r\n")
+        if not sep:
+            return None
+        size = int(size_line.split(b";")[0] or b"0", 16)
+        if size == 0:
+            return out
+        if len(rest) < size + 2:
+            return None
+        out += rest[:size]
+        rest = rest[size + 2:]
+
+
+def http_complete(data):
+    """Whether a whole HTTP response has arrived (the server keeps the connection open)."""
+    head, sep, rest = data.partition(b"\r\n\r\n")
+    if not sep:
+        return False
+    lower = head.lower()
+    if b"transfer-encoding: chunked" in lower:
+        return dechunk(rest) is not None
+    m = re.search(rb"content-length: *(\d+)", lower)
+    return m is not None and len(rest) >= int(m.group(1))
+
+
 def http_request(server, method, path, body=b"", headers=None, source=None):
     """One HTTP request over a plain socket (optionally from a given loopback source address); (status, text)."""
     headers = dict(headers or {})
@@ -256,22 +318,15 @@ def http_request(server, method, path, body=b"", headers=None, source=None):
     data = b""
     while True:
         chunk = s.recv(65536)
-        if not chunk:
+        if chunk:
+            data += chunk
+        if http_complete(data) or not chunk:
             break
-        data += chunk
     s.close()
     head, _, rest = data.partition(b"\r\n\r\n")
     status = int(head.split(b" ")[1])
     if b"transfer-encoding: chunked" in head.lower():
-        out = b""
-        while rest:
-            size_line, _, rest = rest.partition(b"\r\n")
-            size = int(size_line.split(b";")[0], 16)
-            if size == 0:
-                break
-            out += rest[:size]
-            rest = rest[size + 2:]
-        rest = out
+        rest = dechunk(rest)
     return status, rest.decode("utf-8", "replace")
 
 
