@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "raster_job.h"
+#include "raw_job.h"
 #include "vendor_table.h"
 #include "web_pages.h"
 
@@ -23,6 +24,7 @@ void Driver_FillData(const TAppModel& model, const TAccessories& acc, pappl_pr_d
   data->rendpage_cb = Raster_EndPage;
   data->rendjob_cb = Raster_EndJob;
   data->delete_cb = Web_RemovePrinterPages;
+  data->printfile_cb = Raw_PrintFile;
   data->format = "application/vnd.brellian-job";
   snprintf(data->make_and_model, sizeof(data->make_and_model), "%s", model.description);
   data->ppm = 1;

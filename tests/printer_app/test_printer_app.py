@@ -205,6 +205,24 @@ class PrinterAppTest(unittest.TestCase):
             self.assertIn(warnings[-1][:60], job["job-state-message"])
             self.assertIn("job-completed-with-warnings", job["job-state-reasons"])
 
+    def test_raw_job_stream_is_checked_then_sent(self):
+        job = self.print_job("card30", self.pwg300, "image/pwg-raster", "forraw30")
+        stream = self.device_output("card30", "forraw30")
+        raw = os.path.join(self.server.tmp, "good.brj")
+        with open(raw, "wb") as f:
+            f.write(stream)
+        job = self.print_job("card30", raw, "application/vnd.brellian-job", "raw30")
+        self.assertEqual(job["job-state"], "completed", job)
+        self.assertEqual(self.device_output("card30", "raw30"), stream)
+        cut = os.path.join(self.server.tmp, "cut.brj")
+        with open(cut, "wb") as f:
+            f.write(stream[:len(stream) // 2])
+        job = self.print_job("card30", cut, "application/vnd.brellian-job", "rawcut30")
+        self.assertEqual(job["job-state"], "aborted", job)
+        self.assertIn("Not a usable job stream", job["job-state-message"])
+        path = os.path.join(self.out["card30"], "rawcut30.brj")
+        self.assertTrue(not os.path.exists(path) or os.path.getsize(path) == 0, "nothing of a bad stream is sent")
+
     def test_cups_ipptool_tests_pass(self):
         for printer, doc in (("card30", self.pwg300), ("card35", self.pwg300), ("card60", self.pwg600)):
             r = h.run_ipptool_test(self.server, printer, "get-printer-attributes.test")
