@@ -5,7 +5,9 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
-#include <spawn.h>
+#include <grp.h>
+#include <pthread.h>
+#include <pwd.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -36,6 +38,22 @@ std::string Run_Clean(const std::string& s) {
   return out;
 }
 
+// 'Run_FilterUser()' - The user the filter runs as when the application
+// runs as root: $BRELLIAN_FILTER_USER, else "lp", the spooler's user that
+// runs it under CUPS (an empty value keeps root).  False: keep the user.
+bool Run_FilterUser(uid_t* uid, gid_t* gid) {
+  if (geteuid() != 0) return false;
+  const char* name = getenv("BRELLIAN_FILTER_USER");
+  if (!name) name = "lp";
+  if (!*name) return false;
+  struct passwd pw, *found = nullptr;
+  char buf[4096];
+  if (getpwnam_r(name, &pw, buf, sizeof(buf), &found) != 0 || !found) return false;
+  *uid = pw.pw_uid;
+  *gid = pw.pw_gid;
+  return true;
+}
+
 }  // namespace
 
 // 'TFilterRun::WriteRaster()' - libcups' raster write callback: the pipe
@@ -59,7 +77,8 @@ TFilterRun::~TFilterRun() {
   }
 }
 
-// 'TFilterRun::Start()' - Pipes with close-on-exec, posix_spawn, pump thread.
+// 'TFilterRun::Start()' - Pipes with close-on-exec, fork and exec (as the
+// spooler's user when running as root), pump thread.
 bool TFilterRun::Start(const TFilterArgs& args) {
   int in[2], out[2], err[2];
   if (pipe2(in, O_CLOEXEC) != 0) return false;
@@ -77,30 +96,38 @@ bool TFilterRun::Start(const TFilterArgs& args) {
   argv.push_back(nullptr);
   for (const std::string& e : args.env) envp.push_back(const_cast<char*>(e.c_str()));
   envp.push_back(nullptr);
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_adddup2(&actions, in[0], 0);
-  posix_spawn_file_actions_adddup2(&actions, out[1], 1);
-  posix_spawn_file_actions_adddup2(&actions, err[1], 2);
-  posix_spawnattr_t attr;
-  posix_spawnattr_init(&attr);
-  sigset_t none, all;
-  sigemptyset(&none);
-  sigfillset(&all);
-  posix_spawnattr_setsigmask(&attr, &none);
-  sigset_t deflt;
-  sigemptyset(&deflt);
-  sigaddset(&deflt, SIGPIPE);
-  sigaddset(&deflt, SIGTERM);
-  posix_spawnattr_setsigdefault(&attr, &deflt);
-  posix_spawnattr_setflags(&attr, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-  int rc = posix_spawn(&pid_, args.filter.c_str(), &actions, &attr, argv.data(), envp.data());
-  posix_spawn_file_actions_destroy(&actions);
-  posix_spawnattr_destroy(&attr);
+  uid_t uid = 0;
+  gid_t gid = 0;
+  bool drop = Run_FilterUser(&uid, &gid);
+  int failPipe[2];
+  if (pipe2(failPipe, O_CLOEXEC) != 0) failPipe[0] = failPipe[1] = -1;
+  pid_ = fork();
+  if (pid_ == 0) {
+    // Child: only async-signal-safe calls until execve.
+    sigset_t none;
+    sigemptyset(&none);
+    pthread_sigmask(SIG_SETMASK, &none, nullptr);
+    signal(SIGPIPE, SIG_DFL);
+    signal(SIGTERM, SIG_DFL);
+    int code = 0;
+    if (dup2(in[0], 0) < 0 || dup2(out[1], 1) < 0 || dup2(err[1], 2) < 0) code = errno;
+    if (!code && drop && (setgroups(0, nullptr) != 0 || setgid(gid) != 0 || setuid(uid) != 0)) code = errno;
+    if (!code) {
+      execve(args.filter.c_str(), argv.data(), envp.data());
+      code = errno;
+    }
+    if (failPipe[1] >= 0) (void)!write(failPipe[1], &code, sizeof(code));
+    _exit(127);
+  }
   close(in[0]), close(out[1]), close(err[1]);
-  if (rc != 0) {
-    papplLogJob(job_, PAPPL_LOGLEVEL_ERROR, "Unable to run %s: %s", args.filter.c_str(), strerror(rc));
+  if (failPipe[1] >= 0) close(failPipe[1]);
+  int childErr = pid_ < 0 ? errno : 0;
+  if (pid_ > 0 && failPipe[0] >= 0 && read(failPipe[0], &childErr, sizeof(childErr)) != sizeof(childErr)) childErr = 0;
+  if (failPipe[0] >= 0) close(failPipe[0]);
+  if (childErr != 0) {
+    papplLogJob(job_, PAPPL_LOGLEVEL_ERROR, "Unable to run %s: %s", args.filter.c_str(), strerror(childErr));
     close(in[1]), close(out[0]), close(err[0]);
+    if (pid_ > 0) waitpid(pid_, nullptr, 0);
     pid_ = -1;
     return false;
   }

@@ -32,6 +32,7 @@ class AppServer:
         self.app = os.path.join(build, "app", "brellian-printer-app")
         self.filter = os.path.join(build, "rastertobrellian")
         self.tmp = tempfile.mkdtemp(prefix="brellian-app-")
+        os.chmod(self.tmp, 0o755)  # the filter may run as the spooler's user
         self.port = free_port()
         self.env = dict(os.environ)
         self.env.update({

@@ -33,6 +33,7 @@ class PrinterAppTest(unittest.TestCase):
         with open(wrapper, "w") as f:
             f.write("#!/bin/sh\ncase \"$3\" in *slow*) sleep 3;; esac\n"
                     "case \"$3\" in *warn*) echo 'WARNING: Test warning from the wrapper' >&2;; esac\n"
+                    "echo \"DEBUG: filter user $(id -un)\" >&2\n"
                     "exec '%s' \"$@\"\n" % cls.real_filter)
         os.chmod(wrapper, 0o755)
         cls.server.env["BRELLIAN_FILTER"] = wrapper
@@ -222,6 +223,14 @@ class PrinterAppTest(unittest.TestCase):
         self.assertIn("Not a usable job stream", job["job-state-message"])
         path = os.path.join(self.out["card30"], "rawcut30.brj")
         self.assertTrue(not os.path.exists(path) or os.path.getsize(path) == 0, "nothing of a bad stream is sent")
+
+    @unittest.skipUnless(os.geteuid() == 0, "the application drops privileges only when run as root")
+    def test_filter_runs_as_the_spoolers_user(self):
+        self.print_job("card30", self.pwg300, "image/pwg-raster", "user30")
+        with open(self.server.log) as f:
+            log = f.read()
+        self.assertIn("Filter: DEBUG: filter user lp", log)
+        self.assertNotIn("Filter: DEBUG: filter user root", log)
 
     def test_cups_ipptool_tests_pass(self):
         for printer, doc in (("card30", self.pwg300), ("card35", self.pwg300), ("card60", self.pwg600)):
