@@ -63,6 +63,11 @@ class AppServer:
                 time.sleep(0.1)
         raise RuntimeError("the server did not start")
 
+    def restart(self):
+        """Stop the server and start it again on the same directory and port."""
+        self.stop(keep=True)
+        self.start()
+
     def stop(self, keep=False):
         """Stop the server (SIGTERM, then wait) and remove the directory unless asked to keep it."""
         if self.proc:
@@ -335,6 +340,7 @@ def post_form(server, path, form, changes, files=None, source=None):
     """Post a page's form with some fields changed (and files attached); (status, page text)."""
     fields = dict(form["fields"])
     fields.update(changes)
+    fields = {k: v for k, v in fields.items() if v is not None}  # None unchecks a box
     if files is None and form["enctype"] != "multipart/form-data":
         body = urllib.parse.urlencode(fields).encode()
         headers = {"Content-Type": "application/x-www-form-urlencoded"}

@@ -44,6 +44,7 @@ class PrinterAppTest(unittest.TestCase):
         cls.pwg300 = rasterwrite(os.path.join(t, "p300.pwg"), "--pwg", "-r", "300", "pattern")
         cls.pwg300_duplex = rasterwrite(os.path.join(t, "d300.pwg"), "--pwg", "--duplex", "-r", "300", "pattern",
                                         "solid:40,90,200")
+        cls.urf300 = rasterwrite(os.path.join(t, "p300.urf"), "--apple", "-r", "300", "pattern")
         cls.pwg600 = rasterwrite(os.path.join(t, "p600.pwg"), "--pwg", "-r", "600", "-W", "2072", "-H", "1328",
                                  "pattern")
         cls.pwg600_two = rasterwrite(os.path.join(t, "two600.pwg"), "--pwg", "-r", "600", "-W", "2072", "-H", "1328",
@@ -150,6 +151,12 @@ class PrinterAppTest(unittest.TestCase):
         cards, _ = self.assert_same_as_filter("card35", job, "")
         self.assertEqual(cards, 2)
 
+    def test_apple_raster_on_1035(self):
+        job = self.print_job("card35", self.urf300, "image/urf", "urf35", [("keyword", "brellian-front-ribbon",
+                                                                         "color-k")])
+        self.assertEqual(job["job-state"], "completed")
+        self.assert_same_as_filter("card35", job, "frontRibbon=ColorK")
+
     def test_jpeg_on_1060(self):
         job = self.print_job("card60", self.jpeg, "image/jpeg", "photo60", [("keyword", "brellian-front-ribbon",
                                                                            "grayscale")])
@@ -231,6 +238,24 @@ class PrinterAppTest(unittest.TestCase):
             log = f.read()
         self.assertIn("Filter: DEBUG: filter user lp", log)
         self.assertNotIn("Filter: DEBUG: filter user root", log)
+
+    def test_printers_and_device_settings_survive_a_restart(self):
+        status, body = h.http_request(self.server, "GET", "/card30/device")
+        forms, _ = h.parse_page(body)
+        status, text = h.post_form(self.server, "/card30/device", forms[0], {"laminator": "on"})
+        self.assertIn("Device settings saved.", text)
+        self.assertIn("brellian-laminate-default", h.ipp_simple(self.server, "card30", "Get-Printer-Attributes",
+                                                        ["ATTR keyword requested-attributes brellian-laminate-default"]))
+        self.server.restart()
+        printers = self.server.cli("printers").stdout.split()
+        self.assertEqual(sorted(printers), ["card30", "card35", "card60"])
+        status, body = h.http_request(self.server, "GET", "/card30/device")
+        self.assertIn('name="laminator" checked', body)
+        self.assertIn("brellian-laminate-default", h.ipp_simple(self.server, "card30", "Get-Printer-Attributes",
+                                                        ["ATTR keyword requested-attributes brellian-laminate-default"]))
+        status, text = h.post_form(self.server, "/card30/device", h.parse_page(body)[0][0], {"laminator": None})
+        self.assertNotIn("brellian-laminate-default", h.ipp_simple(
+            self.server, "card30", "Get-Printer-Attributes", ["ATTR keyword requested-attributes brellian-laminate-default"]))
 
     def test_cups_ipptool_tests_pass(self):
         for printer, doc in (("card30", self.pwg300), ("card35", self.pwg300), ("card60", self.pwg600)):

@@ -53,4 +53,25 @@ TEST(RasterWriterPwg, SRGBPagesReadBackWithTheirPixels) {
   cupsRasterClose(ras);
 }
 
+TEST(RasterWriterPwg, AppleRasterReadsBackWithItsPixels) {
+  TRasterPage a = Raster_MakeTestPattern(64, 40, 300);
+  std::string stream;
+  ASSERT_TRUE(Raster_WritePwgStream({a}, &stream, true));
+  ASSERT_GE(stream.size(), 8u);
+  EXPECT_EQ(stream.compare(0, 8, std::string("UNIRAST\0", 8)), 0);
+  TPwgSource src = {&stream, 0};
+  cups_raster_t* ras = cupsRasterOpenIO(PwgRead, &src, CUPS_RASTER_READ);
+  ASSERT_NE(ras, nullptr);
+  cups_page_header2_t h;
+  ASSERT_TRUE(cupsRasterReadHeader2(ras, &h));
+  EXPECT_EQ(h.cupsWidth, 64u);
+  EXPECT_EQ(h.cupsHeight, 40u);
+  EXPECT_EQ(h.cupsBitsPerPixel, 24u);
+  std::vector<uint8_t> rows(static_cast<size_t>(h.cupsBytesPerLine) * h.cupsHeight);
+  for (unsigned y = 0; y < h.cupsHeight; ++y)
+    ASSERT_EQ(cupsRasterReadPixels(ras, rows.data() + y * h.cupsBytesPerLine, h.cupsBytesPerLine), h.cupsBytesPerLine);
+  EXPECT_EQ(rows, a.data);
+  cupsRasterClose(ras);
+}
+
 }  // namespace

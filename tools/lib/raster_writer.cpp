@@ -100,11 +100,11 @@ bool Raster_WriteStream(const std::vector<TRasterPage>& pages, bool compressed, 
   return ok;
 }
 
-// 'Raster_WritePwgStream()' - libcups' PWG mode with sRGB headers.
-bool Raster_WritePwgStream(const std::vector<TRasterPage>& pages, std::string* out) {
+// 'Raster_WritePwgStream()' - libcups' PWG (or Apple) mode with sRGB headers.
+bool Raster_WritePwgStream(const std::vector<TRasterPage>& pages, std::string* out, bool apple) {
   if (!out) return false;
   out->clear();
-  cups_raster_t* ras = cupsRasterOpenIO(Raster_Append, out, CUPS_RASTER_WRITE_PWG);
+  cups_raster_t* ras = cupsRasterOpenIO(Raster_Append, out, apple ? CUPS_RASTER_WRITE_APPLE : CUPS_RASTER_WRITE_PWG);
   if (!ras) return false;
   bool ok = true;
   for (const TRasterPage& page : pages) {

@@ -42,8 +42,9 @@ bool Raster_WriteStream(const std::vector<TRasterPage>& pages, bool compressed, 
 
 // 'Raster_WritePwgStream()' - Write 8-bit RGB pages as a PWG raster stream
 // into *out, as IPP clients send it: colour space sRGB, each header with
-// the fields PWG raster keeps.  False when libcups refuses a page.
-bool Raster_WritePwgStream(const std::vector<TRasterPage>& pages, std::string* out);
+// the fields PWG raster keeps; with apple true, as an Apple raster (URF)
+// stream instead.  False when libcups refuses a page.
+bool Raster_WritePwgStream(const std::vector<TRasterPage>& pages, std::string* out, bool apple = false);
 
 // 'Raster_WriteFile()' - The same, into the file at path (created or
 // replaced; a symbolic link or special file there is refused).
