@@ -53,7 +53,8 @@ class AppServer:
                 "-o", "spool-directory=" + os.path.join(self.tmp, "spool"), "-o", "log-file=" + self.log,
                 "-o", "log-level=debug", "-o", "server-options=no-tls"]
         os.makedirs(os.path.join(self.tmp, "spool"), exist_ok=True)
-        self.proc = subprocess.Popen(args, env=self.env, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.errfile = open(os.path.join(self.tmp, "server.stderr"), "ab")
+        self.proc = subprocess.Popen(args, env=self.env, stdout=subprocess.DEVNULL, stderr=self.errfile)
         deadline = time.time() + 20
         while time.time() < deadline:
             try:
@@ -78,8 +79,13 @@ class AppServer:
                 self.proc.kill()
                 self.proc.wait()
             self.proc = None
+            self.errfile.close()
+        with open(os.path.join(self.tmp, "server.stderr"), errors="replace") as f:
+            report = f.read()
         if not keep:
             shutil.rmtree(self.tmp, ignore_errors=True)
+        if "Sanitizer" in report or "runtime error" in report:
+            raise AssertionError("the server reported:\n" + report[-4000:])
 
     def cli(self, *args):
         """Run a client sub-command of the application; its completed process."""
