@@ -91,14 +91,37 @@ class AppServer:
         """Run a client sub-command of the application; its completed process."""
         return subprocess.run([self.app] + list(args), env=self.env, capture_output=True, text=True, timeout=60)
 
+    def system_op(self, lines):
+        """One IPP operation on the system object through ipptool; its standard output."""
+        test = os.path.join(self.tmp, "system-%s.test" % uuid.uuid4().hex)
+        with open(test, "w") as f:
+            f.write("\n".join(["{"] + lines + ["}"]) + "\n")
+        r = subprocess.run(["ipptool", "-tv", "ipp://localhost:%d/ipp/system" % self.port, test],
+                           capture_output=True, text=True, timeout=60)
+        if r.returncode != 0:
+            raise RuntimeError("ipptool failed: " + r.stdout[-2000:] + r.stderr[-500:])
+        return r.stdout.split("RECEIVED:", 1)[-1]
+
     def add_printer(self, name, driver):
-        """Add a printer whose device is a directory of .brj files; the directory."""
+        """Add a printer (IPP Create-Printer) whose device is a directory of .brj files; the directory.
+        IPP and not the client sub-commands: those reach whichever server owns the machine's local socket."""
         out = os.path.join(self.tmp, "out-" + name)
         os.makedirs(out)
-        r = self.cli("add", "-d", name, "-m", driver, "-v", "file://%s?ext=brj" % out)
-        if r.returncode != 0:
-            raise RuntimeError("add %s failed: %s %s" % (name, r.stdout, r.stderr))
+        self.system_op(["OPERATION Create-Printer", "GROUP operation-attributes-tag",
+                        "ATTR charset attributes-charset utf-8", "ATTR language attributes-natural-language en",
+                        "ATTR uri system-uri $uri", "ATTR name requesting-user-name tester",
+                        "ATTR keyword printer-service-type print", "ATTR keyword smi55357-driver " + driver,
+                        "ATTR uri smi55357-device-uri file://%s?ext=brj" % out, "GROUP printer-attributes-tag",
+                        "ATTR name printer-name " + name, "STATUS successful-ok"])
         return out
+
+    def printers(self):
+        """The names of the server's printers (IPP Get-Printers)."""
+        out = self.system_op(["OPERATION Get-Printers", "GROUP operation-attributes-tag",
+                              "ATTR charset attributes-charset utf-8", "ATTR language attributes-natural-language en",
+                              "ATTR uri system-uri $uri", "ATTR keyword requested-attributes printer-name",
+                              "STATUS successful-ok", "DISPLAY printer-name"])
+        return sorted(re.findall(r"printer-name \(nameWithoutLanguage\) = (\S+)", out))
 
     def uri(self, printer):
         return "ipp://localhost:%d/ipp/print/%s" % (self.port, printer)

@@ -247,8 +247,7 @@ class PrinterAppTest(unittest.TestCase):
         self.assertIn("brellian-laminate-default", h.ipp_simple(self.server, "card30", "Get-Printer-Attributes",
                                                         ["ATTR keyword requested-attributes brellian-laminate-default"]))
         self.server.restart()
-        printers = self.server.cli("printers").stdout.split()
-        self.assertEqual(sorted(printers), ["card30", "card35", "card60"])
+        self.assertEqual(self.server.printers(), ["card30", "card35", "card60"])
         status, body = h.http_request(self.server, "GET", "/card30/device")
         self.assertIn('name="laminator" checked', body)
         self.assertIn("brellian-laminate-default", h.ipp_simple(self.server, "card30", "Get-Printer-Attributes",
