@@ -256,6 +256,29 @@ class PrinterAppTest(unittest.TestCase):
         self.assertNotIn("brellian-laminate-default", h.ipp_simple(
             self.server, "card30", "Get-Printer-Attributes", ["ATTR keyword requested-attributes brellian-laminate-default"]))
 
+    def set_default(self, printer, syntax, name, value):
+        test = os.path.join(self.server.tmp, "set-default.test")
+        with open(test, "w") as f:
+            f.write("{\nOPERATION Set-Printer-Attributes\nGROUP operation-attributes-tag\n"
+                    "ATTR charset attributes-charset utf-8\nATTR language attributes-natural-language en\n"
+                    "ATTR uri printer-uri $uri\nATTR name requesting-user-name tester\n"
+                    "GROUP printer-attributes-tag\nATTR %s %s-default %s\nSTATUS successful-ok\n}\n"
+                    % (syntax, name, value))
+        r = subprocess.run(["ipptool", "-t", self.server.uri(printer), test], capture_output=True, text=True)
+        self.assertEqual(r.returncode, 0, r.stdout)
+
+    def test_printer_default_applies_to_jobs_without_the_attribute(self):
+        self.set_default("card30", "keyword", "brellian-front-ribbon", "monochrome")
+        try:
+            job = self.print_job("card30", self.pwg300, "image/pwg-raster", "default30")
+            self.assertEqual(job["job-state"], "completed")
+            self.assert_same_as_filter("card30", job, "frontRibbon=Monochrome")
+            job = self.print_job("card30", self.pwg300, "image/pwg-raster", "override30",
+                                 [("keyword", "brellian-front-ribbon", "color")])
+            self.assert_same_as_filter("card30", job, "frontRibbon=Color")
+        finally:
+            self.set_default("card30", "keyword", "brellian-front-ribbon", "color")
+
     def test_cups_ipptool_tests_pass(self):
         for printer, doc in (("card30", self.pwg300), ("card35", self.pwg300), ("card60", self.pwg600)):
             r = h.run_ipptool_test(self.server, printer, "get-printer-attributes.test")
