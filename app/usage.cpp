@@ -75,7 +75,7 @@ static const char USAGE[] =
     "  brellian-front-color-table, ...-back-...       firmware, table-1, table-2, table-3\n"
     "  brellian-front-secure-erase, brellian-front-rotate (and back)   true, false\n"
     "  brellian-front-custom-areas, brellian-back-custom-areas\n"
-    "      resin=AREA;AREA|no-resin=AREA|overlay-off=AREA|overlay-keep=AREA,\n"
+    "      resin=AREA;AREA | no-resin=AREA | overlay-off=AREA | overlay-keep=AREA,\n"
     "      each AREA \"LEFT TOP WIDTH HEIGHT\" with units px, mm, cm or in\n"
     "  brellian-card-thickness          printer-setting, thin, standard\n"
     "  brellian-overlay-over-stripe     printer-setting, auto, disabled, enabled\n"
