@@ -200,18 +200,20 @@ class PrinterAppTest(unittest.TestCase):
         status, text = h.post_form(self.server, "/card35/device", forms[0],
                                    {"serial": self.serial, "ribbon-type": "YMCK-UV", "flip-turn": "on"})
         self.assertIn("Device settings saved.", text)
-        job = self.print_job("card35", self.pwg300, "image/pwg-raster", "nopreset35",
-                             [("keyword", "brellian-front-color-table", "table-2"),
-                              ("keyword", "brellian-front-uv", "preset-3")])
-        self.assertEqual(job["job-state"], "completed")
-        _, stderr = self.assert_same_as_filter("card35", job, "ribbonType=YMCK-UV frontLUTTable=LUT2 frontUV=Preset3",
-                                               self.serial)
-        warnings = [l[len("WARNING:"):].strip() for l in stderr.splitlines() if l.startswith("WARNING:")]
-        for w in warnings:
-            self.assertIn(w[:60], job["job-state-message"] + " ".join(warnings))
-        if warnings:
-            self.assertIn(warnings[-1][:60], job["job-state-message"])
-            self.assertIn("job-completed-with-warnings", job["job-state-reasons"])
+        try:
+            job = self.print_job("card35", self.pwg300, "image/pwg-raster", "nopreset35",
+                                 [("keyword", "brellian-front-color-table", "table-2"),
+                                  ("keyword", "brellian-front-uv", "preset-3")])
+            self.assertEqual(job["job-state"], "completed")
+            _, stderr = self.assert_same_as_filter("card35", job, "ribbonType=YMCK-UV frontLUTTable=LUT2 frontUV=Preset3",
+                                                   self.serial)
+            warnings = [l[len("WARNING:"):].strip() for l in stderr.splitlines() if l.startswith("WARNING:")]
+            if warnings:  # the filter's own warning for the missing preset, once it writes one
+                self.assertIn(warnings[-1][:60], job["job-state-message"])
+                self.assertIn("job-completed-with-warnings", job["job-state-reasons"])
+        finally:
+            status, body = h.http_request(self.server, "GET", "/card35/device")
+            h.post_form(self.server, "/card35/device", h.parse_page(body)[0][0], {"serial": "", "ribbon-type": "YMCK"})
 
     def test_raw_job_stream_is_checked_then_sent(self):
         job = self.print_job("card30", self.pwg300, "image/pwg-raster", "forraw30")
