@@ -126,7 +126,9 @@ mkdir -p /tmp/app-out /tmp/app-spool
   -o spool-directory=/tmp/app-spool -o log-file=/tmp/app.log -o log-level=debug -o server-options=no-tls &
 app_pid=$!
 trap 'kill $cupsd_pid $app_pid 2>/dev/null; wait $cupsd_pid $app_pid 2>/dev/null || true' EXIT
-for i in $(seq 300); do /usr/bin/brellian-printer-app printers >/dev/null 2>&1 && break; sleep 0.1; done
+# Wait for the port itself: a client sub-command run before the server is up
+# would start a private server of its own.
+for i in $(seq 300); do (exec 3<>/dev/tcp/127.0.0.1/18632) 2>/dev/null && break; sleep 0.1; done
 /usr/bin/brellian-printer-app add -d pkgcard -m brellian_1035 -v 'file:///tmp/app-out?ext=brj'
 /usr/bin/brellian-rasterwrite --pwg -o /tmp/card.pwg pattern
 /usr/bin/brellian-printer-app submit -d pkgcard /tmp/card.pwg >/dev/null

@@ -1,5 +1,6 @@
 """Test harness of brellian-printer-app: a private server, IPP jobs through ipptool, web forms, stream comparison."""
 # Copyright 2026 The rastertobrellian authors.
+import atexit
 import html.parser
 import os
 import re
@@ -55,6 +56,7 @@ class AppServer:
         os.makedirs(os.path.join(self.tmp, "spool"), exist_ok=True)
         self.errfile = open(os.path.join(self.tmp, "server.stderr"), "ab")
         self.proc = subprocess.Popen(args, env=self.env, stdout=subprocess.DEVNULL, stderr=self.errfile)
+        atexit.register(self.kill_if_running)  # also when a class set-up fails before its tear-down
         deadline = time.time() + 20
         while time.time() < deadline:
             try:
@@ -63,6 +65,11 @@ class AppServer:
             except OSError:
                 time.sleep(0.1)
         raise RuntimeError("the server did not start")
+
+    def kill_if_running(self):
+        if self.proc and self.proc.poll() is None:
+            self.proc.kill()
+            self.proc.wait()
 
     def restart(self):
         """Stop the server and start it again on the same directory and port."""

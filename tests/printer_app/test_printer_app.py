@@ -208,9 +208,11 @@ class PrinterAppTest(unittest.TestCase):
             _, stderr = self.assert_same_as_filter("card35", job, "ribbonType=YMCK-UV frontLUTTable=LUT2 frontUV=Preset3",
                                                    self.serial)
             warnings = [l[len("WARNING:"):].strip() for l in stderr.splitlines() if l.startswith("WARNING:")]
-            if warnings:  # the filter's own warning for the missing preset, once it writes one
-                self.assertIn(warnings[-1][:60], job["job-state-message"])
-                self.assertIn("job-completed-with-warnings", job["job-state-reasons"])
+            # The filter warns of each missing preset; the last warning is the job's message.
+            self.assertTrue(any(w.startswith("frontUV=Preset3") for w in warnings), stderr)
+            self.assertTrue(any(w.startswith("frontLUTTable=LUT2") for w in warnings), stderr)
+            self.assertIn(warnings[-1][:60], job["job-state-message"])
+            self.assertIn("job-completed-with-warnings", job["job-state-reasons"])
         finally:
             status, body = h.http_request(self.server, "GET", "/card35/device")
             h.post_form(self.server, "/card35/device", h.parse_page(body)[0][0], {"serial": "", "ribbon-type": "YMCK"})
