@@ -9,8 +9,13 @@
 
 #include "driver/globals.h"
 #include "driver/printing_task.h"
+#include "jobstream/record_out.h"
 #include "log/log.h"
 #include "util/signal_block.h"
+
+#if defined(BRELLIAN_LEAK_CHECK)
+#include <sanitizer/lsan_interface.h>
+#endif
 
 namespace {
 
@@ -54,8 +59,16 @@ void Proc_ExitHandler() {
   if (g_printingTask) {
     TPrintingTask* task = g_printingTask;
     g_printingTask = nullptr;
+    // Every record is handed to the output whole, so what is still
+    // buffered ends on a record boundary: push it out.
+    Rec_FlushWhole(task->output);
     delete task;
   }
+#if defined(BRELLIAN_LEAK_CHECK)
+  // _exit skips the sanitizer's own check at exit; run it here, after the
+  // task is gone, so that a sanitizer build reports what the job leaked.
+  __lsan_do_leak_check();
+#endif
   _exit(g_exitStatus);
 }
 

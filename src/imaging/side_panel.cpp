@@ -6,6 +6,7 @@
 #include "driver/printing_task.h"
 #include "imaging/page_process.h"
 #include "imaging/panel.h"
+#include "jobstream/record_out.h"
 #include "jobstream/records.h"
 #include "log/log.h"
 
@@ -36,8 +37,8 @@ void Page_WriteEndImage(TPrintingTask* task) {
 // The panel goes out as ICMD_STARTIMAGE, ICMD_IMAGE records of whole rows
 // (at most IMAGE_CHUNK_BYTES of data each, the last one shorter) and
 // ICMD_ENDIMAGE.  The image records are written straight from data to the
-// task's output, without copying and without a flush; the flush after
-// ICMD_ENDIMAGE pushes them out.  On the back side of a tumbled job the panel
+// task's output, without copying and without a flush, each one whole
+// (Rec_WriteWhole); the flush after ICMD_ENDIMAGE pushes them out.  On the back side of a tumbled job the panel
 // is first turned by 180 degrees in place, so the caller's buffer changes.
 // A null data pointer writes nothing; so does a row too wide for one image
 // record, which no supported model has.  Returns 0.
@@ -84,8 +85,7 @@ int32_t Page_PrintSidePanel(TPrintingTask* task,  // I - Job (output, side, mode
     }
     uint8_t header[ICMD_HEADER_BYTES];
     Rec_Header(header, ICMD_IMAGE, n);
-    fwrite(header, 1, sizeof header, task->output);
-    fwrite(p, 1, n, task->output);
+    Rec_WriteWhole(task->output, header, sizeof header, p, n, false);
     p += n;
     total += n;
     row = end;
