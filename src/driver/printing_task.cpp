@@ -16,6 +16,8 @@ TPrintingTask::TPrintingTask(int32_t argcIn, char** argvIn)
       argv(argvIn),
       pageHeader(nullptr),
       pageBuffer(nullptr),
+      scratchRow(nullptr),
+      scratchRowBytes(0),
       modelName(Status_ModelName(kDefaultModel)),
       cardId(0),
       jobId(0),
@@ -71,4 +73,6 @@ TPrintingTask::~TPrintingTask() {
   Log_Write(LOG_LOG, "~TPrintingTask --> gracefull exit.");
   free(pageBuffer);
   pageBuffer = nullptr;
+  free(scratchRow);
+  scratchRow = nullptr;
 }

@@ -48,6 +48,11 @@ class TPrintingTask {
   char** argv;                                  // not owned
   const cups_page_header2_t* pageHeader;        // not owned
   uint8_t* pageBuffer;                          // owned, may be null
+  // One line of raster data, owned: where the rows of pages that are read
+  // but never processed go (grown to the longest such line, kept for the
+  // job).
+  uint8_t* scratchRow;
+  size_t scratchRowBytes;
 
   // Job option strings.
   std::string modelName;
