@@ -46,7 +46,7 @@ TSignalTrialResult Signal_RunTrial(const TSignalTrial& trial) {
     if (trial.env.count(entry.substr(0, entry.find('='))) == 0) envStrings.push_back(entry);
   }
   for (const auto& kv : trial.env) envStrings.push_back(kv.first + "=" + kv.second);
-  std::vector<std::string> args = {BRELLIAN_FILTER_PATH, "7", "user", "title", "1", "",
+  std::vector<std::string> args = {BRELLIAN_FILTER_PATH, "7", "user", "title", "1", trial.options,
                                    trial.rasterPath};
   std::vector<char*> envp = Trial_Strings(&envStrings), argp = Trial_Strings(&args);
 

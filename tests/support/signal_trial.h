@@ -9,6 +9,7 @@
 
 struct TSignalTrial {
   std::string rasterPath;                   // the job's raster file (seventh argument)
+  std::string options;                      // the options argument
   std::map<std::string, std::string> env;   // added to or replacing the environment
   int signal = 2;                           // the signal sent
   size_t signalAfterOutBytes = 0;           // sent once this much output has been read
