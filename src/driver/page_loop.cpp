@@ -16,6 +16,7 @@
 #include "driver/page_rows.h"
 #include "driver/printing_task.h"
 #include "imaging/page_process.h"
+#include "imaging/page_warnings.h"
 #include "imaging/panel.h"
 #include "jobstream/framing.h"
 #include "log/log.h"
@@ -138,6 +139,7 @@ void TPrintingTask::run() {
     fprintf(stderr, "PAGE: %d %d\n", page, static_cast<int>(header.NumCopies));
     if (drained) Loop_DrainRows(this, raster, header, page);
     else Loop_ReadRows(this, raster, header, page);
+    if (!g_cancelJob && jobComplete) Warn_PageBeyondCard(this, page);
     if (!g_cancelJob && !jobComplete) Page_Process(this, &header);
     Loop_DrainRest(this, raster, header);
     {
@@ -149,6 +151,7 @@ void TPrintingTask::run() {
     if (g_cancelJob) cancelled = true;
   }
 
+  Warn_JobEnd(this, cancelled || g_cancelJob);
   if (!cancelled && !g_cancelJob) Loop_EndJob(this);
 
   if (raster) cupsRasterClose(raster);

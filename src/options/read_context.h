@@ -6,6 +6,9 @@
 #include <cstdint>
 #include <string>
 
+#include "options/choice_tables.h"
+#include "options/lut_file.h"
+#include "options/mag.h"
 #include "options/settings.h"
 
 class TPrintingTask;
@@ -16,13 +19,9 @@ struct TOptionContext {
   TPrintingTask* task;
   TBrellianSettings settings;
   const TOptionSource* ppd;   // null when no PPD could be opened
+  bool settingsRead = false;  // the settings file was found and read
 };
 
-// A recognised choice text and the code it gives.
-struct TChoiceCode {
-  const char* text;
-  int32_t code;
-};
 
 // 'Opt_Choice()' - The marked choice of keyword, traced as "  kw::[text]"
 // ("NULL" for an empty text), or "  kw::OPT::[NULL]" and false when the
@@ -40,11 +39,10 @@ int32_t Opt_Lookup(const TChoiceCode* table, size_t count, const std::string& te
 int32_t Opt_ReadCode(const TOptionContext* ctx, const char* keyword, const TChoiceCode* table,
                      size_t count, int32_t fallback);
 
-template <size_t N>
-int32_t Opt_ReadCode(const TOptionContext* ctx, const char* keyword, const TChoiceCode (&table)[N],
-                     int32_t fallback) {
-  return Opt_ReadCode(ctx, keyword, table, N, fallback);
-}
+// 'Opt_ReadKeyword()' - Opt_ReadCode with keyword's entry of
+// g_choiceKeywords, falling back to the entry's code or to fallback.
+int32_t Opt_ReadKeyword(const TOptionContext* ctx, const char* keyword);
+int32_t Opt_ReadKeyword(const TOptionContext* ctx, const char* keyword, int32_t fallback);
 
 // 'Opt_Resolution()' - Dots per inch of the task's model, for area strings.
 uint32_t Opt_Resolution(const TOptionContext* ctx);
@@ -61,3 +59,16 @@ void Opt_ReadMagTracks(TOptionContext* ctx);
 void Opt_ReadPlugin(TOptionContext* ctx);
 void Opt_ReadPrinterName(TOptionContext* ctx);
 void Opt_ReadCardEject(TOptionContext* ctx);
+
+// WARNING lines for the spooler about options the job asked for and won't
+// get (read_warnings.cpp).  They never write to the log.
+// 'Opt_PresetReason()' - Why the settings entry named entry is empty.
+std::string Opt_PresetReason(const TOptionContext* ctx, const std::string& entry);
+void Warn_Areas(const TOptionContext* ctx);                              // resin and overlay areas
+void Warn_IgnoredValues(const TOptionContext* ctx, const char* options);  // text options without "Custom."
+void Warn_MagTrack(int32_t track, const std::string& format, const std::string& data,
+                   const TMagTrack& result);
+void Warn_UVPreset(const TOptionContext* ctx, const char* keyword, int32_t uv, const std::string& name,
+                   const std::string& path);
+void Warn_LutTable(const TOptionContext* ctx, const char* keyword, int32_t code, const std::string& name,
+                   const std::string& path, int32_t rc, const TLutError& error);
