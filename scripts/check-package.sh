@@ -44,9 +44,10 @@ chroot "$m" /bin/bash -s <<'CHROOT'
 set -euo pipefail
 trap 'echo "check-package: failed at line $LINENO of the check"; tail -n 30 /var/log/cups/error_log 2>/dev/null || true' ERR
 # A machine that never had the driver: no earlier install, no presets.
-rm -rf /etc/brellian /var/log/brellian /usr/lib/cups/filter/rastertobrellian /usr/share/ppd/brellian
+rm -rf /etc/brellian /var/log/brellian /usr/lib/cups/filter/rastertobrellian /usr/lib/cups/filter/pdftobrellian /usr/lib/cups/filter/texttobrellian /usr/share/ppd/brellian
 dpkg -i /tmp/package.deb >/dev/null
 test -x /usr/lib/cups/filter/rastertobrellian
+test -x /usr/lib/cups/filter/pdftobrellian -a -x /usr/lib/cups/filter/texttobrellian
 test -f /usr/share/ppd/brellian/br1060.ppd
 test "$(stat -c %U /var/log/brellian)" = lp
 test -d /etc/brellian/settings -a -d /etc/brellian/uv -a -d /etc/brellian/lut

@@ -7,6 +7,9 @@ packages=(build-essential cmake pkg-config libcups2-dev libcupsimage2-dev libgte
           libbenchmark-dev libpng-dev cups-ppdc cups-client)
 if [ "${1:-}" = "--full" ]; then
   packages+=(cups cups-filters ghostscript poppler-utils clang libclang-rt-14-dev)
+  # Real documents of the end-to-end tests: a Code 128 bar code made with
+  # barcode, and a screenshot shipped in valgrind's documentation.
+  packages+=(barcode valgrind)
 fi
 
 missing=()
