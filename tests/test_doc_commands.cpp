@@ -6,6 +6,7 @@
 // Copyright 2026 The rastertobrellian authors.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <dirent.h>
 #include <map>
@@ -60,6 +61,24 @@ void ClearFiles(const std::string& dir) {
   while (!(file = FindFile(dir)).empty()) unlink(file.c_str());
 }
 
+// 'PresetOptions()' - The options a job's presets stand for, from the
+// settings that brellian-settings commands of the guides set: the include
+// areas of resin preset N as custom areas, and the plug-in when the job
+// leaves it to the settings.
+void PresetOptions(const std::map<std::string, std::string>& settings, std::map<std::string, std::string>* o) {
+  std::string resin = (*o)["frontResin"];
+  if (resin.compare(0, 6, "Preset") == 0) {
+    (*o)["frontResin"] = "CustomAreas";
+    for (int k = 1; k <= 3; ++k) {
+      auto it = settings.find("resin." + resin.substr(6) + ".include." + std::to_string(k));
+      if (it != settings.end()) (*o)["frontResinInclude" + std::to_string(k)] = "Custom." + it->second;
+    }
+  }
+  auto plugin = settings.find("plugin");
+  if (plugin != settings.end() && (o->count("printerPlugin") == 0 || (*o)["printerPlugin"] == "Default"))
+    (*o)["printerPlugin"] = "Custom." + plugin->second;
+}
+
 }  // namespace
 
 TEST(DocCommands, EveryShellCommandOfTheGuidesWorksAsWritten) {
@@ -85,6 +104,7 @@ TEST(DocCommands, EveryShellCommandOfTheGuidesWorksAsWritten) {
   env.env["CUPS_SERVER"] = dir + "/cups.sock";
   env.env["PATH"] = std::string(BRELLIAN_TOOLS_DIR) + ":/usr/sbin:/usr/bin:/sbin:/bin";
   std::map<std::string, std::map<std::string, std::string>> queueDefaults;
+  std::map<std::string, std::string> settings;   // what brellian-settings set
   std::vector<std::string> skipped;
   int run = 0, jobs = 0;
   for (const char* guide : {"user-guide.md", "preset-tools.md"}) {
@@ -110,6 +130,10 @@ TEST(DocCommands, EveryShellCommandOfTheGuidesWorksAsWritten) {
         for (size_t i = 0; i + 1 < words.size(); ++i)
           if (words[i] == "-d" || words[i] == "-p") queue = words[i + 1];
         std::map<std::string, std::string> options = Doc_JobOptions(words);
+        if (words[0] == "brellian-settings") {
+          size_t set = std::find(words.begin(), words.end(), "set") - words.begin();
+          for (size_t i = set + 1; i + 1 < words.size(); i += 2) settings[words[i]] = words[i + 1];
+        }
         if (lpadmin) {
           for (const auto& o : options) queueDefaults[queue][o.first] = o.second;
         } else if (lp) {
@@ -118,6 +142,7 @@ TEST(DocCommands, EveryShellCommandOfTheGuidesWorksAsWritten) {
           ASSERT_FALSE(file.empty()) << "no job stream captured\n" << spooler.ErrorLog();
           std::map<std::string, std::string> all = queueDefaults[queue];
           for (const auto& o : options) all[o.first] = o.second;
+          PresetOptions(settings, &all);
           for (const std::string& fault : Doc_CheckJob(Test_ReadFile(file), all)) ADD_FAILURE() << fault;
           ++jobs;
         } else if (cmd.find("> job.bin") != std::string::npos) {

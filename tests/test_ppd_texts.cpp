@@ -32,6 +32,7 @@ TEST(PPDTexts, CustomAreasTellTheirFormatWithAnExample) {
           std::string key = std::string(side) + group + std::to_string(k);
           std::string line = Line(model, "*ParamCustom" + key + " Text/");
           EXPECT_NE(std::string::npos, line.find("left+top+width+height")) << model << " " << line;
+          EXPECT_NE(std::string::npos, line.find("mm, cm, in or px")) << model << " " << line;
           EXPECT_NE(std::string::npos, line.find("e.g. 5mm+30mm+50mm+15mm")) << model << " " << line;
         }
 }
