@@ -16,7 +16,7 @@
 #include "imaging/panel.h"
 #include "imaging/stages.h"
 #include "reference/reference_stages.h"
-#include "test_stage_helpers.h"
+#include "support/stage_helpers.h"
 
 namespace {
 
