@@ -1,6 +1,6 @@
 // Helpers of the real-document test.
 // Copyright 2026 The rastertobrellian authors.
-#include "test_real_documents_support.h"
+#include "support/real_documents.h"
 
 #include <gtest/gtest.h>
 

@@ -14,7 +14,7 @@
 #include "jobstream/stream_reader.h"
 #include "support/cups_env.h"
 #include "support/process.h"
-#include "test_real_documents_support.h"
+#include "support/real_documents.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // Reading the shell commands out of the guides and checking job streams.
 // Copyright 2026 The rastertobrellian authors.
-#include "test_doc_commands_support.h"
+#include "support/doc_commands.h"
 
 #include <cstring>
 #include <regex>

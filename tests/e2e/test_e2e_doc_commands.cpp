@@ -17,7 +17,7 @@
 
 #include "support/cups_env.h"
 #include "support/process.h"
-#include "test_doc_commands_support.h"
+#include "support/doc_commands.h"
 
 namespace {
 
