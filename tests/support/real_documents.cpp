@@ -1,4 +1,4 @@
-// Helpers of the real-document test.
+// Support of the real-document test.
 // Copyright 2026 The rastertobrellian authors.
 #include "support/real_documents.h"
 

@@ -1,4 +1,4 @@
-// Helpers of the real-document test: running a document through cupsfilter,
+// Support of the real-document test: running a document through cupsfilter,
 // measuring the white margins of a panel and working out where the chain
 // is meant to put the document's content.
 // Copyright 2026 The rastertobrellian authors.
