@@ -130,3 +130,26 @@ TEST_F(RealDocuments, TheSpoolerTakesTheSameWayAsCupsfilter) {
   EXPECT_NE(std::string::npos, log.find("pdftobrellian")) << "the queue did not use the PDF way";
   EXPECT_EQ(std::string::npos, log.find("imagetoraster"));
 }
+
+TEST_F(RealDocuments, PortraitSizesReachTheFilterAsTheTurnedPanel) {
+  std::string dir = Cups_WorkDir("real-documents-portrait");
+  std::string conf = Cups_WriteFilesConf(dir, Cups_MakeServerBin(dir));
+  for (int model : {1030, 1060}) {
+    uint32_t w = model == 1060 ? 2072 : 1036, h = model == 1060 ? 1328 : 664;
+    for (const char* size : {"PageSize=CR80Portrait", "PageSize=PanelPortrait"}) {
+      for (const std::string& file :
+           {Cups_SampleCardPdf(), std::string("/usr/share/cups/doc-root/images/smiley.jpg")}) {
+        SCOPED_TRACE(std::to_string(model) + " " + size + " " + file);
+        TRealRun run = Real_RunCupsfilter(conf, model, file, {size, "page-ranges=1"});
+        ASSERT_EQ(0, run.status) << run.err;
+        ASSERT_TRUE(run.stream.complete) << run.stream.error;
+        // A portrait page of the turned panel, which the filter turns back
+        // without resampling.
+        EXPECT_EQ(h, run.rasterWidth);
+        EXPECT_EQ(w, run.rasterHeight);
+        EXPECT_FALSE(run.resampled);
+        EXPECT_EQ(w, run.stream.panels.front().width);
+      }
+    }
+  }
+}
