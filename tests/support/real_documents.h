@@ -32,7 +32,6 @@ struct TRealRun {
 // White margins of a panel's content in dots: left, top, right, bottom.
 struct TMargins {
   double left = 0, top = 0, right = 0, bottom = 0;
-  double freeAxis = 0;         // extra tolerance along a picture's free axis
 };
 
 struct TSolidBlack {
@@ -51,13 +50,15 @@ TRealRun Real_RunCupsfilter(const std::string& conf, int model, const std::strin
 TMargins Real_Measure(const TStreamPanel& p);
 
 // 'Real_Expected()' - Where the documented placement puts the document's
-// content on the model's panel: pages larger than the panel (and pictures)
-// are fitted, smaller ones keep their size, pages of the other orientation
-// are turned counter-clockwise, all are centred, and the renderer lifts the
-// page by the 0.36 pt its whole-point page height leaves out.
+// content on the model's panel: pages larger than the panel are fitted,
+// smaller ones keep their size, pages of the other orientation are turned
+// counter-clockwise, all are centred (pictures as imagetopdf places them),
+// and the renderer lifts the page by the 0.36 pt its whole-point page
+// height leaves out.
 TMargins Real_Expected(const TRealDocument& d, int model, const std::string& conf);
 
-// 'Real_ExpectNear()' - Each measured margin within 2 dots of the expected.
+// 'Real_ExpectNear()' - Each measured margin within 2 dots of the expected,
+// and a picture centred to within 1 point.
 void Real_ExpectNear(const TRealDocument& d, int model, const TMargins& got, const TMargins& want);
 
 // 'Real_CheckSolid()' - Black and grey dots of a colour panel against a
