@@ -10,13 +10,19 @@ set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "CUPS raster filter for Brellian retransfe
 set(CPACK_PACKAGE_DESCRIPTION
     "rastertobrellian turns CUPS raster pages into the job command stream of\nBrellian retransfer ID-card printers (models 1030, 1035 and 1060).\nIt ships the filter, the PPD files, the job-stream inspector and the\npreset tools.")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_PACKAGE_SECTION "text")
+# A printer driver with its administration tools: "utils" (hardware
+# support utilities); see docs/packaging.md.
+set(CPACK_DEBIAN_PACKAGE_SECTION "utils")
 set(CPACK_DEBIAN_PACKAGE_PRIORITY "optional")
 # Library dependencies are worked out from the binaries; the spooler and the
 # upstream filters that turn documents into CUPS raster are named here.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "cups, cups-filters")
+# The log rotation rule is read by logrotate, present on most systems.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "logrotate")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA
-    "${CMAKE_SOURCE_DIR}/packaging/debian/postinst;${CMAKE_SOURCE_DIR}/packaging/debian/postrm")
+    "${CMAKE_SOURCE_DIR}/packaging/debian/postinst;${CMAKE_SOURCE_DIR}/packaging/debian/postrm;${CMAKE_SOURCE_DIR}/packaging/debian/conffiles")
+# Programs are shipped without their symbol tables.
+set(CPACK_STRIP_FILES TRUE)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION TRUE)
 include(CPack)

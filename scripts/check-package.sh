@@ -1,11 +1,16 @@
 #!/usr/bin/env bash
-# Builds the Debian package and proves that installing it gives a working
-# queue: in a throw-away copy of this machine (an overlay of / in a private
-# mount namespace, discarded at the end) the package is installed with
-# dpkg -i, a private spooler is started, a queue is made from the installed
+# Builds the Debian package, checks it with lintian (no error, no warning
+# that the package's lintian overrides do not explain) and proves that
+# installing it gives a working queue: in a throw-away copy of this machine
+# (an overlay of / in a private mount namespace, discarded at the end) the
+# package is installed with dpkg -i, every manual page renders without a
+# warning, a private spooler is started, a queue is made from the installed
 # PPD with lpadmin, the sample card is printed with lp, and the captured job
-# command stream is checked with the installed inspector.  Nothing on the
-# real system is changed.  Needs root (for the namespace and dpkg).
+# command stream is checked with the installed inspector.  Then the log's
+# ownership survives a run by hand as root, logrotate rotates the log as
+# the spooler's user, and purging keeps the presets without a dpkg warning.
+# Nothing on the real system is changed.  Needs root (for the namespace and
+# dpkg).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 if [ "$(id -u)" -ne 0 ]; then
@@ -23,11 +28,24 @@ debs=("$PWD/$build"/rastertobrellian_*.deb)
 [ ${#debs[@]} -eq 1 ] && [ -f "${debs[0]}" ] || { echo "check-package: expected one package, found: ${debs[*]}"; exit 1; }
 deb="${debs[0]}"
 echo "check-package: built $deb"
+# lintian warns when it runs as root: run it as an ordinary user, on a
+# copy of the package that user can read.
+lint_dir=$(mktemp -d)
+cp "$deb" "$lint_dir/"
+chmod 755 "$lint_dir"; chmod 644 "$lint_dir"/*.deb
+if ! runuser -u nobody -- lintian --fail-on error,warning --display-level '>=warning' "$lint_dir"/*.deb; then
+  rm -rf "$lint_dir"
+  echo "check-package: lintian reports errors or warnings"
+  exit 1
+fi
+rm -rf "$lint_dir"
+echo "check-package: lintian: no error, no warning"
 
 root="$PWD/$build/pkgcheck"
 rm -rf "$root"
 mkdir -p "$root/upper" "$root/work" "$root/merged"
 cp docs/samples/sample-card.pdf "$root/sample-card.pdf"
+cp scripts/check-installed.sh "$root/check-installed.sh"
 
 unshare --mount --propagation private bash -s "$root" "$deb" <<'INNER'
 set -euo pipefail
@@ -40,6 +58,7 @@ mount -t tmpfs tmpfs "$m/tmp"
 mount -t tmpfs tmpfs "$m/run"
 cp "$deb" "$m/tmp/package.deb"
 cp "$root/sample-card.pdf" "$m/tmp/sample-card.pdf"
+cp "$root/check-installed.sh" "$m/tmp/check-installed.sh"
 chroot "$m" /bin/bash -s <<'CHROOT'
 set -euo pipefail
 trap 'echo "check-package: failed at line $LINENO of the check"; tail -n 30 /var/log/cups/error_log 2>/dev/null || true' ERR
@@ -86,8 +105,8 @@ cupsd_pid=$!
 trap 'kill $cupsd_pid 2>/dev/null; wait $cupsd_pid 2>/dev/null || true' EXIT
 export CUPS_SERVER=/tmp/cups.sock
 # The spooler may take a while to answer on a busy machine.
-for i in $(seq 600); do lpstat -r >/dev/null 2>&1 && break; sleep 0.1; done
-lpstat -r >/dev/null
+for i in $(seq 600); do lpstat -r 2>/dev/null | grep -q "is running" && break; sleep 0.1; done
+lpstat -r | grep -q "is running"
 lpadmin -p cards -E -v 'capture:/tmp/out/job.bin' -P /usr/share/ppd/brellian/br1060.ppd 2>&1 \
   | { grep -v 'drivers are deprecated' || true; }
 lp -d cards -t 'Package check' -o frontRibbon=ColorK -o frontResin=Preset1 -o Duplex=DuplexNoTumble \
@@ -99,6 +118,7 @@ fi
 /usr/bin/brellian-jobdump --quiet /tmp/out/job.bin
 grep -q 'CMD: ICMD_ENDJOB' /var/log/brellian/rastertobrellian.log
 echo "check-package: dpkg -i, lpadmin and lp gave a complete job; the filter logged to /var/log/brellian as $(stat -c %U /var/log/brellian/rastertobrellian.log)"
+bash /tmp/check-installed.sh
 CHROOT
 INNER
 rm -rf "$root"

@@ -4,9 +4,10 @@
 set -euo pipefail
 
 packages=(build-essential cmake pkg-config libcups2-dev libcupsimage2-dev libgtest-dev
-          libbenchmark-dev libpng-dev cups-ppdc cups-client)
+          libbenchmark-dev libpng-dev cups-ppdc cups-client help2man man-db)
 if [ "${1:-}" = "--full" ]; then
-  packages+=(cups cups-filters ghostscript poppler-utils clang libclang-rt-14-dev)
+  packages+=(cups cups-filters ghostscript poppler-utils clang libclang-rt-14-dev
+             lintian logrotate)
   # Real documents of the end-to-end tests: a Code 128 bar code made with
   # barcode, and a screenshot shipped in valgrind's documentation.
   packages+=(barcode valgrind)

@@ -10,16 +10,7 @@
 
 #include "options/area.h"
 #include "options/mag.h"
-
-// Side indices of the per-side option arrays.
-constexpr int32_t SIDE_FRONT = 0;
-constexpr int32_t SIDE_BACK = 1;
-// Resin area groups and overlay area groups.
-constexpr int32_t AREA_GROUP_INCLUDE = 0;   // resin: areas that take resin
-constexpr int32_t AREA_GROUP_EXCLUDE = 1;   // resin: areas kept out
-constexpr int32_t AREA_GROUP_PEELOFF = 0;   // overlay: areas where it is removed
-constexpr int32_t AREA_GROUP_KEEP = 1;      // overlay: areas where it stays
-constexpr int32_t AREAS_PER_GROUP = 5;
+#include "options/sides.h"
 
 class TPrintingTask {
  public:
@@ -46,8 +37,8 @@ class TPrintingTask {
 
   int32_t argc;
   char** argv;                                  // not owned
-  const cups_page_header2_t* pageHeader;        // not owned
-  uint8_t* pageBuffer;                          // owned, may be null
+  const cups_page_header2_t* pageHeader = nullptr;   // not owned
+  uint8_t* pageBuffer = nullptr;                     // owned, may be null
 
   // Job option strings.
   std::string modelName;
@@ -56,48 +47,48 @@ class TPrintingTask {
   std::string printerName;
 
   // Framing state.
-  uint64_t cardId;
-  int32_t jobId;
-  int32_t copies;
-  int32_t pageCount;
-  int32_t subPage;
-  int32_t sideIndex;
-  int32_t jobComplete;
-  int32_t cardOpen;
-  int32_t sideOpen;
-  int32_t duplex;
-  int32_t tumble;
+  uint64_t cardId = 0;
+  int32_t jobId = 0;
+  int32_t copies = 0;
+  int32_t pageCount = 0;
+  int32_t subPage = 0;
+  int32_t sideIndex = 0;
+  int32_t jobComplete = 0;
+  int32_t cardOpen = 0;
+  int32_t sideOpen = 0;
+  int32_t duplex = 0;
+  int32_t tumble = 0;
 
   // Job option record.
-  int32_t printerModel;
-  int32_t frontRibbon, backRibbon;
-  int32_t frontResin, backResin;
-  int32_t frontUV, backUV;
-  int32_t frontPO, backPO;
-  int32_t frontRotation, backRotation;
-  int32_t frontLUTTable, backLUTTable;
-  int32_t cardEjectExisting;
-  int32_t cardThickness;
-  int32_t cardLaminate;
-  int32_t entryCardFlip;
-  int32_t magEncode;
-  int32_t magEncodeCardFlip;
-  int32_t magPOMode;
-  int32_t frontUVMAC, backUVMAC;
-  int32_t frontSecureErase, backSecureErase;
-  int32_t ribbonType;
-  int32_t flipTurn;
-  int32_t laminator;
-  int32_t magEncoder;
-  int32_t icEncoder;
-  uint8_t lutTable[2][3][256];                  // [side][red, green, blue][level]
-  uint8_t resinFlag[2];                         // [side]
-  TArea resinAreas[2][2][AREAS_PER_GROUP];      // [side][include, exclude][area]
-  TArea poAreas[2][2][AREAS_PER_GROUP];         // [side][peel-off, keep][area]
+  int32_t printerModel = 0;
+  int32_t frontRibbon = 2, backRibbon = 2;     // colour
+  int32_t frontResin = 1, backResin = 1;
+  int32_t frontUV = 0, backUV = 0;
+  int32_t frontPO = 0, backPO = 0;
+  int32_t frontRotation = 0, backRotation = 0;
+  int32_t frontLUTTable = 0, backLUTTable = 0;
+  int32_t cardEjectExisting = 0;
+  int32_t cardThickness = 0;
+  int32_t cardLaminate = 0;
+  int32_t entryCardFlip = 0;
+  int32_t magEncode = 0;
+  int32_t magEncodeCardFlip = 0;
+  int32_t magPOMode = 0;
+  int32_t frontUVMAC = 0, backUVMAC = 0;
+  int32_t frontSecureErase = 0, backSecureErase = 0;
+  int32_t ribbonType = 0;
+  int32_t flipTurn = 0;
+  int32_t laminator = 0;
+  int32_t magEncoder = 0;
+  int32_t icEncoder = 0;
+  uint8_t lutTable[2][3][256];                  // [side][red, green, blue][level], identity
+  uint8_t resinFlag[2] = {};                    // [side]
+  TArea resinAreas[2][2][AREAS_PER_GROUP] = {}; // [side][include, exclude][area]
+  TArea poAreas[2][2][AREAS_PER_GROUP] = {};    // [side][peel-off, keep][area]
   std::string frontUVFile, backUVFile;
-  TMagTrack magTracks[3];
+  TMagTrack magTracks[3] = {};
 
   // Where the job command stream goes: standard output in the filter, a
   // memory stream or a file in tests.  Not owned.
-  FILE* output;
+  FILE* output = stdout;
 };

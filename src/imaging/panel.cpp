@@ -9,7 +9,6 @@
 #include <cstring>
 #include <unistd.h>
 
-#include "driver/globals.h"
 #include "driver/printing_task.h"
 #include "imaging/luma.h"
 #include "log/log.h"
@@ -48,11 +47,22 @@ void Panel_BuildTables() {
   }
 }
 
-// 'Panel_Geometry()' - The panel size of the task's printerModel; a model
-// missing from the table reads as 0 x 0 (the table is never changed here).
-TPanelGeometry Panel_Geometry(const TPrintingTask* task) {
-  auto it = g_panelGeometry.find(static_cast<uint32_t>(task->printerModel));
+// 'Panel_ModelGeometry()' - The panel size of model; a model missing from
+// the table reads as 0 x 0 (the table is never changed here).
+TPanelGeometry Panel_ModelGeometry(uint32_t model) {
+  auto it = g_panelGeometry.find(model);
   return it == g_panelGeometry.end() ? TPanelGeometry{0, 0} : it->second;
+}
+
+// 'Panel_ModelResolution()' - The dots per inch of model; 0 for a model
+// missing from the table.
+uint32_t Panel_ModelResolution(uint32_t model) {
+  auto it = g_modelResolution.find(model);
+  return it == g_modelResolution.end() ? 0 : it->second;
+}
+
+TPanelGeometry Panel_Geometry(const TPrintingTask* task) {
+  return Panel_ModelGeometry(static_cast<uint32_t>(task->printerModel));
 }
 
 // 'CUPS_PageBytes()' - Size of the page buffer in 64 bits; false when the
@@ -83,7 +93,6 @@ int32_t CUPS_AllocPage(TPrintingTask* task, const cups_page_header2_t* header, b
   }
   if (!block) {
     fputs("ERROR: Unable to allocate memory!\n", stderr);
-    g_exitStatus = 1;
     _exit(1);
   }
   task->pageBuffer = block;

@@ -21,12 +21,18 @@ struct TPanelGeometry {
 };
 
 // Model id -> panel size, and model id -> dots per inch.  Filled once by the
-// start-up table builder, read-only afterwards.
+// start-up table builder, read-only afterwards: read them with find (or the
+// lookups below), never operator[], which would add a missing model.
 extern std::map<uint32_t, TPanelGeometry> g_panelGeometry;
 extern std::map<uint32_t, uint32_t> g_modelResolution;
 
 // 'Panel_BuildTables()' - Fill g_panelGeometry and g_modelResolution.
 void Panel_BuildTables();
+
+// Lookups of the model tables; they never add an entry.  A model missing
+// from the tables reads as a 0 x 0 panel at 0 dots per inch.
+TPanelGeometry Panel_ModelGeometry(uint32_t model);
+uint32_t Panel_ModelResolution(uint32_t model);
 
 // 'Panel_Geometry()' - Panel size of the task's printerModel.
 TPanelGeometry Panel_Geometry(const TPrintingTask* task);

@@ -1,6 +1,5 @@
 // Writing one side panel as image records of the job command stream.
 // Copyright 2026 The rastertobrellian authors.
-#include <cstdio>
 #include <cstdlib>
 
 #include "driver/printing_task.h"
@@ -9,36 +8,13 @@
 #include "jobstream/records.h"
 #include "log/log.h"
 
-namespace {
-
-// 'Page_WriteStartImage()' - Write ICMD_STARTIMAGE: width and height (low
-// 16 bits each) and the panel type.
-void Page_WriteStartImage(TPrintingTask* task, uint32_t width, uint32_t height, int32_t type) {
-  uint8_t record[ICMD_HEADER_BYTES + ICMD_STARTIMAGE_PAYLOAD] = {};
-  Rec_Header(record, ICMD_STARTIMAGE, ICMD_STARTIMAGE_PAYLOAD);
-  Rec_Put16(record + 6, static_cast<uint16_t>(width));
-  Rec_Put16(record + 8, static_cast<uint16_t>(height));
-  record[10] = static_cast<uint8_t>(type);
-  Job_WriteCommand(task, record);
-}
-
-// 'Page_WriteEndImage()' - Write ICMD_ENDIMAGE (no payload).
-void Page_WriteEndImage(TPrintingTask* task) {
-  uint8_t record[ICMD_HEADER_BYTES] = {};
-  Rec_Header(record, ICMD_ENDIMAGE, ICMD_ENDIMAGE_PAYLOAD);
-  Job_WriteCommand(task, record);
-}
-
-}  // namespace
-
 // 'Page_PrintSidePanel()' - Write one W x H panel of the current side.
 //
-// The panel goes out as ICMD_STARTIMAGE, ICMD_IMAGE records of whole rows
-// (at most IMAGE_CHUNK_BYTES of data each, the last one shorter) and
-// ICMD_ENDIMAGE.  The image records are written straight from data to the
-// task's output, without copying and without a flush; the flush after
-// ICMD_ENDIMAGE pushes them out.  On the back side of a tumbled job the panel
-// is first turned by 180 degrees in place, so the caller's buffer changes.
+// The job-stream writer sends the panel's rows as one image
+// (Job_WriteImage: ICMD_STARTIMAGE, ICMD_IMAGE records of whole rows,
+// ICMD_ENDIMAGE), straight from data.  On the back side of a tumbled job
+// the panel is first turned by 180 degrees in place, so the caller's
+// buffer changes.
 // A null data pointer writes nothing; so does a row too wide for one image
 // record, which no supported model has.  Returns 0.
 int32_t Page_PrintSidePanel(TPrintingTask* task,  // I - Job (output, side, model)
@@ -47,7 +23,7 @@ int32_t Page_PrintSidePanel(TPrintingTask* task,  // I - Job (output, side, mode
   TPanelGeometry g = Panel_Geometry(task);
   const uint32_t bpp = panelType == PANEL_COLOR ? 3 : 1;
   const uint64_t rowBytes = static_cast<uint64_t>(bpp) * g.width;
-  const uint32_t rows = rowBytes ? static_cast<uint32_t>(IMAGE_CHUNK_BYTES / rowBytes) : 0;
+  const uint32_t rows = Job_ImageRowsPerRecord(rowBytes);
   const uint32_t fullBytes = static_cast<uint32_t>(rows * rowBytes);  // at most 61440
 
   Log_Write(LOG_ENTRYEXIT, ">>>> Page_PrintSidePanel(%d)(%d)(%d)(%d)(%d)", panelType,
@@ -71,28 +47,7 @@ int32_t Page_PrintSidePanel(TPrintingTask* task,  // I - Job (output, side, mode
     Image_Rotate180(task, data, g.width, g.height, bpp);
   }
 
-  Page_WriteStartImage(task, g.width, g.height, panelType);
-
-  const uint8_t* p = data;
-  uint32_t total = 0;
-  for (uint32_t row = 0; row < g.height;) {
-    uint32_t end = row + rows;
-    uint32_t n = fullBytes;
-    if (end > g.height) {
-      end = g.height;
-      n = static_cast<uint32_t>((g.height - row) * rowBytes);
-    }
-    uint8_t header[ICMD_HEADER_BYTES];
-    Rec_Header(header, ICMD_IMAGE, n);
-    fwrite(header, 1, sizeof header, task->output);
-    fwrite(p, 1, n, task->output);
-    p += n;
-    total += n;
-    row = end;
-  }
-
-  Log_Write(LOG_LOG, "CMD: ICMD_IMAGE [%d]", static_cast<int>(total));
-  Page_WriteEndImage(task);
+  uint32_t total = Job_WriteImage(task, g.width, g.height, panelType, bpp, data);
   Log_Write(LOG_ENTRYEXIT, "<<<< Page_PrintSidePanel[%d]", static_cast<int>(total));
   return 0;
 }

@@ -175,3 +175,19 @@ void Rec_LUTTable(uint8_t* record, const uint8_t lut[3][256]);
 // buffer) and write its 6 + length bytes to the task's output with one
 // write, then flush.  Returns 0.
 int32_t Job_WriteCommand(TPrintingTask* task, const uint8_t* record);
+
+// 'Job_ImageRowsPerRecord()' - Whole rows of rowBytes that fit in one
+// ICMD_IMAGE record (0 when not even one does).
+uint32_t Job_ImageRowsPerRecord(uint64_t rowBytes);
+
+// 'Job_WriteImageRecord()' - Write one ICMD_IMAGE record of n data bytes to
+// the task's output: the 6-byte header, then data; no log line, no flush.
+void Job_WriteImageRecord(TPrintingTask* task, const uint8_t* data, uint32_t n);
+
+// 'Job_WriteImage()' - Write one image of height rows of width dots of
+// bytesPerDot bytes: ICMD_STARTIMAGE, ICMD_IMAGE records of whole rows (at
+// most IMAGE_CHUNK_BYTES of data each), "CMD: ICMD_IMAGE [total]" logged,
+// ICMD_ENDIMAGE.  Returns the data bytes written; a row wider than one
+// record writes nothing and returns 0.
+uint32_t Job_WriteImage(TPrintingTask* task, uint32_t width, uint32_t height, int32_t panelType,
+                        uint32_t bytesPerDot, const uint8_t* rows);

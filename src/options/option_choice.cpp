@@ -32,8 +32,17 @@ int32_t Opt_ReadCode(const TOptionContext* ctx, const char* keyword, const TChoi
   return Opt_Lookup(table, count, text, fallback);
 }
 
-// The model tables use insert-on-miss lookups; the option reader keeps
-// printerModel to the ids those tables hold.
+int32_t Opt_ReadKeyword(const TOptionContext* ctx, const char* keyword, int32_t fallback) {
+  const TChoiceKeyword* entry = Opt_ChoiceKeyword(keyword);
+  return Opt_ReadCode(ctx, keyword, entry ? entry->choices : nullptr, entry ? entry->count : 0,
+                      fallback);
+}
+
+int32_t Opt_ReadKeyword(const TOptionContext* ctx, const char* keyword) {
+  const TChoiceKeyword* entry = Opt_ChoiceKeyword(keyword);
+  return Opt_ReadKeyword(ctx, keyword, entry ? entry->fallback : 0);
+}
+
 uint32_t Opt_Resolution(const TOptionContext* ctx) {
-  return g_modelResolution[static_cast<uint32_t>(ctx->task->printerModel)];
+  return Panel_ModelResolution(static_cast<uint32_t>(ctx->task->printerModel));
 }

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 
+#include "options/choice_tables.h"
 #include "options/settings.h"
 
 class TPrintingTask;
@@ -18,11 +19,6 @@ struct TOptionContext {
   const TOptionSource* ppd;   // null when no PPD could be opened
 };
 
-// A recognised choice text and the code it gives.
-struct TChoiceCode {
-  const char* text;
-  int32_t code;
-};
 
 // 'Opt_Choice()' - The marked choice of keyword, traced as "  kw::[text]"
 // ("NULL" for an empty text), or "  kw::OPT::[NULL]" and false when the
@@ -40,11 +36,10 @@ int32_t Opt_Lookup(const TChoiceCode* table, size_t count, const std::string& te
 int32_t Opt_ReadCode(const TOptionContext* ctx, const char* keyword, const TChoiceCode* table,
                      size_t count, int32_t fallback);
 
-template <size_t N>
-int32_t Opt_ReadCode(const TOptionContext* ctx, const char* keyword, const TChoiceCode (&table)[N],
-                     int32_t fallback) {
-  return Opt_ReadCode(ctx, keyword, table, N, fallback);
-}
+// 'Opt_ReadKeyword()' - Opt_ReadCode with keyword's entry of
+// g_choiceKeywords, falling back to the entry's code or to fallback.
+int32_t Opt_ReadKeyword(const TOptionContext* ctx, const char* keyword);
+int32_t Opt_ReadKeyword(const TOptionContext* ctx, const char* keyword, int32_t fallback);
 
 // 'Opt_Resolution()' - Dots per inch of the task's model, for area strings.
 uint32_t Opt_Resolution(const TOptionContext* ctx);

@@ -8,11 +8,6 @@
 
 namespace {
 
-const TChoiceCode kRibbonTypes[] = {
-    {"Black", 4}, {"YMCK", 0}, {"YMCKK", 1}, {"YMCK-UV", 3}, {"YMCK-PO", 2},
-};
-const TChoiceCode kInstalled[] = {{"Installed", 1}};
-const TChoiceCode kThickness[] = {{"Thin", 1}, {"Standard", 2}};
 
 // Model id and whether it carries a flip/turn unit.
 struct TModelFlip {
@@ -28,12 +23,12 @@ const TModelFlip kModels[] = {{1030, 0}, {1035, 1}, {1060, 1}};
 // so its result is the one that stays.  The model decides flipTurn.
 void Opt_ReadInstalled(TOptionContext* ctx) {
   TPrintingTask* task = ctx->task;
-  task->ribbonType = Opt_ReadCode(ctx, "ribbonType", kRibbonTypes, 0);
-  task->flipTurn = Opt_ReadCode(ctx, "flipTurn", kInstalled, 0);
-  task->laminator = Opt_ReadCode(ctx, "laminator", kInstalled, 0);
-  task->magEncoder = Opt_ReadCode(ctx, "magEncoder", kInstalled, 0);
-  task->icEncoder = Opt_ReadCode(ctx, "icEncoder", kInstalled, 0);
-  task->icEncoder = Opt_ReadCode(ctx, "icEncoderContactless", kInstalled, 0);
+  task->ribbonType = Opt_ReadKeyword(ctx, "ribbonType");
+  task->flipTurn = Opt_ReadKeyword(ctx, "flipTurn");
+  task->laminator = Opt_ReadKeyword(ctx, "laminator");
+  task->magEncoder = Opt_ReadKeyword(ctx, "magEncoder");
+  task->icEncoder = Opt_ReadKeyword(ctx, "icEncoder");
+  task->icEncoder = Opt_ReadKeyword(ctx, "icEncoderContactless");
 
   int32_t number = ctx->ppd->ModelNumber();
   const TModelFlip* model = &kModels[2];
@@ -51,5 +46,5 @@ void Opt_ReadCardThickness(TOptionContext* ctx) {
   int32_t fromSettings = ctx->settings.cardThickness == -1 ? 0
                          : ctx->settings.cardThickness == 0 ? 2
                                                             : 1;
-  ctx->task->cardThickness = Opt_ReadCode(ctx, "cardThickness", kThickness, fromSettings);
+  ctx->task->cardThickness = Opt_ReadKeyword(ctx, "cardThickness", fromSettings);
 }

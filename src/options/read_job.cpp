@@ -13,9 +13,6 @@
 
 namespace {
 
-const TChoiceCode kYes[] = {{"Yes", 1}};
-const TChoiceCode kMagPOModes[] = {{"Auto", 1}, {"Disabled", 2}, {"Enabled", 3}};
-const TChoiceCode kEject[] = {{"No", 0}, {"False", 0}};
 
 // 'Opt_CustomValue()' - The value a text option carries: the custom text
 // without its "Custom." prefix, else the choice itself.
@@ -28,19 +25,19 @@ std::string Opt_CustomValue(const std::string& text, bool custom) {
 // 'Opt_ReadYesNo()' - "Yes" 1, anything else 0, in the reader's order.
 void Opt_ReadYesNo(TOptionContext* ctx) {
   TPrintingTask* task = ctx->task;
-  task->frontSecureErase = Opt_ReadCode(ctx, "frontSecureErase", kYes, 0);
-  task->backSecureErase = Opt_ReadCode(ctx, "backSecureErase", kYes, 0);
-  task->frontRotation = Opt_ReadCode(ctx, "frontRotation", kYes, 0);
-  task->backRotation = Opt_ReadCode(ctx, "backRotation", kYes, 0);
-  task->entryCardFlip = Opt_ReadCode(ctx, "entryCardFlip", kYes, 0);
-  task->magEncodeCardFlip = Opt_ReadCode(ctx, "magEncodeCardFlip", kYes, 0);
+  task->frontSecureErase = Opt_ReadKeyword(ctx, "frontSecureErase");
+  task->backSecureErase = Opt_ReadKeyword(ctx, "backSecureErase");
+  task->frontRotation = Opt_ReadKeyword(ctx, "frontRotation");
+  task->backRotation = Opt_ReadKeyword(ctx, "backRotation");
+  task->entryCardFlip = Opt_ReadKeyword(ctx, "entryCardFlip");
+  task->magEncodeCardFlip = Opt_ReadKeyword(ctx, "magEncodeCardFlip");
 }
 
 // 'Opt_ReadMagPOMode()' - "Auto" 1, "Disabled" 2, "Enabled" 3; anything
 // else takes the settings value: -1 gives 0, 0 gives 2, other numbers 3.
 void Opt_ReadMagPOMode(TOptionContext* ctx) {
   int32_t fromSettings = ctx->settings.magPOMode == -1 ? 0 : ctx->settings.magPOMode == 0 ? 2 : 3;
-  ctx->task->magPOMode = Opt_ReadCode(ctx, "magPOMode", kMagPOModes, fromSettings);
+  ctx->task->magPOMode = Opt_ReadKeyword(ctx, "magPOMode", fromSettings);
 }
 
 // 'Opt_ReadMagTracks()' - Tracks 1-3 with both a format and data marked.
@@ -90,5 +87,5 @@ void Opt_ReadPrinterName(TOptionContext* ctx) {
 
 // 'Opt_ReadCardEject()' - "No" or "False" 0, anything else 1.
 void Opt_ReadCardEject(TOptionContext* ctx) {
-  ctx->task->cardEjectExisting = Opt_ReadCode(ctx, "cardEjectExisting", kEject, 1);
+  ctx->task->cardEjectExisting = Opt_ReadKeyword(ctx, "cardEjectExisting");
 }

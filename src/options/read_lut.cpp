@@ -12,14 +12,13 @@
 
 namespace {
 
-const TChoiceCode kLUTs[] = {{"Firmware", 0}, {"LUT1", 1}, {"LUT2", 2}, {"LUT3", 3}};
 
 // 'Opt_ReadSideLUT()' - keyword's table code for one side, its file loaded
 // into table.  A missing file (or a settings name that is not a plain file
 // name) and an unusable file both fall back to "Firmware" (0) with the
 // identity table.
 int32_t Opt_ReadSideLUT(const TOptionContext* ctx, const char* keyword, uint8_t table[3][256]) {
-  int32_t code = Opt_ReadCode(ctx, keyword, kLUTs, 0);
+  int32_t code = Opt_ReadKeyword(ctx, keyword);
   if (code < 1) return code;
   const std::string& name = ctx->settings.lutNames[code - 1];
   std::string path = std::string(BRELLIAN_LUT_DIR) + "/" + name + ".csv";

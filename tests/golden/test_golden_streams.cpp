@@ -58,7 +58,7 @@ TGoldenRun Golden_Run(const std::vector<TRasterPage>& pages, int model, const st
   EXPECT_TRUE(Raster_WriteFile(pages, true, raster));
   Test_ResetLog();
   TProcessOptions env;
-  env.env["PPD"] = std::string(BRELLIAN_BINARY_DIR) + "/ppd/br" + std::to_string(model) + ".ppd";
+  env.env["PPD"] = Test_GeneratedPPD(model);
   env.env["DEVICE_URI"] = "usbbr://Brellian/Golden?serial=golden";
   env.env["PRINTER"] = "golden";
   TProcessResult process = Test_RunFilter({"7", "golden", "Golden card", "1", options, raster}, env);

@@ -16,13 +16,6 @@
 
 namespace {
 
-std::string ValidPage() {
-  std::string s;
-  Raster_WriteStream({Raster_MakeRGBPage(8, 2, 300, 0, 0, 0)}, false, &s);
-  return s;
-}
-
-std::string GeneratedPPD() { return std::string(BRELLIAN_BINARY_DIR) + "/ppd/br1060.ppd"; }
 
 // 'RunWith()' - One page through the filter with the 1060 PPD and the given
 // job-id, title, copies and options arguments.
@@ -30,9 +23,9 @@ THostileResult RunWith(const std::string& jobId, const std::string& title, const
                        const std::string& options) {
   Test_ResetLog();
   THostileRun run;
-  run.input = ValidPage();
+  run.input = Hostile_ValidPage();
   run.args = {jobId, "user", title, copies, options};
-  run.env["PPD"] = GeneratedPPD();
+  run.env["PPD"] = Test_GeneratedPPD();
   THostileResult r = Hostile_Run(run);
   std::string why;
   EXPECT_TRUE(Hostile_Clean(r, &why)) << why;
@@ -94,7 +87,7 @@ TEST(HostileArgs, JobIdsOutOfRangeGiveZero) {
       {"-7", -7},         {"12abc", 12},      {"abc", 0}};
   for (const auto& id : kIds) {
     THostileResult r = RunWith(id.first, "t", "1", "");
-    ASSERT_EQ(Hostile_SimplexColorCard(1328, 9), Hostile_RecordTypes(r.out)) << id.first;
+    ASSERT_EQ(Hostile_SimplexColorCard(1328, 9), Test_RecordTypes(r.out)) << id.first;
     EXPECT_EQ(id.second, Word(r.out, 18)) << id.first;                  // ICMD_STARTJOB
     EXPECT_EQ(id.second, Word(r.out, r.out.size() - 4)) << id.first;   // ICMD_ENDJOB
   }

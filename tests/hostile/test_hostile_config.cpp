@@ -18,20 +18,7 @@
 
 namespace {
 
-std::string ValidPage() {
-  std::string s;
-  Raster_WriteStream({Raster_MakeRGBPage(8, 2, 300, 0, 0, 0)}, false, &s);
-  return s;
-}
-
-// 'Bytes()' - A string literal with its zero bytes, without the final one.
-template <size_t N>
-std::string Bytes(const char (&text)[N]) {
-  return std::string(text, N - 1);
-}
-
 std::string Scratch() { return std::string(BRELLIAN_BINARY_DIR) + "/hostile-config"; }
-std::string GeneratedPPD() { return std::string(BRELLIAN_BINARY_DIR) + "/ppd/br1060.ppd"; }
 
 const char* const kNoPPD = "printerModel::[PPD]::[NULL][1060]";
 const char* const kRunEntry = ">>>> TPrintingTask::run";
@@ -87,7 +74,7 @@ std::function<void()> ConfigText(const std::string& text) {
 const TConfigCase kCases[] = {
     {"PpdMissing", [] { return Scratch() + "/no-such.ppd"; }, EntryExitLevel, {kNoPPD}, {}},
     {"PpdEmpty", Ppd(""), EntryExitLevel, {kNoPPD}, {}},
-    {"PpdGarbage", Ppd(Bytes("\x01\xFF*PPD-Adobe garbage\n\0\0*%")), EntryExitLevel,
+    {"PpdGarbage", Ppd(Test_Bytes("\x01\xFF*PPD-Adobe garbage\n\0\0*%")), EntryExitLevel,
      {kNoPPD}, {}},
     {"PpdDirectory", [] { Test_MakeDirs(Scratch() + "/dir.ppd"); return Scratch() + "/dir.ppd"; },
      EntryExitLevel, {kNoPPD}, {}},
@@ -105,19 +92,19 @@ const TConfigCase kCases[] = {
        std::string p = Scratch() + "/link.ppd";
        Test_MakeDirs(Scratch());
        Test_RemoveTree(p);
-       EXPECT_EQ(0, symlink(GeneratedPPD().c_str(), p.c_str()));
+       EXPECT_EQ(0, symlink(Test_GeneratedPPD().c_str(), p.c_str()));
        return p;
      },
      EntryExitLevel, {kNoPPD}, {}},
-    {"PpdGenerated", GeneratedPPD, EntryExitLevel, {"printerModel::[1060]"}, {kNoPPD}},
-    {"LogConfigDirectory", GeneratedPPD, ConfigAs("dir"), {"ARG1: 7"}, {kRunEntry}},
-    {"LogConfigFifo", GeneratedPPD, ConfigAs("fifo"), {"ARG1: 7"}, {kRunEntry}},
-    {"LogConfigSymlink", GeneratedPPD, ConfigAs("link"), {"ARG1: 7"}, {kRunEntry}},
-    {"LogConfigLineOf5000ThenSetting", GeneratedPPD,
+    {"PpdGenerated", [] { return Test_GeneratedPPD(); }, EntryExitLevel, {"printerModel::[1060]"}, {kNoPPD}},
+    {"LogConfigDirectory", [] { return Test_GeneratedPPD(); }, ConfigAs("dir"), {"ARG1: 7"}, {kRunEntry}},
+    {"LogConfigFifo", [] { return Test_GeneratedPPD(); }, ConfigAs("fifo"), {"ARG1: 7"}, {kRunEntry}},
+    {"LogConfigSymlink", [] { return Test_GeneratedPPD(); }, ConfigAs("link"), {"ARG1: 7"}, {kRunEntry}},
+    {"LogConfigLineOf5000ThenSetting", [] { return Test_GeneratedPPD(); },
      ConfigText(std::string(5000, 'x') + "\nrastertobrellian = EntryExit\n"), {kRunEntry}, {}},
     // An overlong line is skipped whole: its first 1023 bytes would read as a
     // setting, but they are not a line of their own.
-    {"LogConfigSettingPaddedTo5000", GeneratedPPD,
+    {"LogConfigSettingPaddedTo5000", [] { return Test_GeneratedPPD(); },
      ConfigText("rastertobrellian=EntryExit" + std::string(5000, ' ') + "\n"), {"ARG1: 7"}, {kRunEntry}},
 };
 
@@ -139,7 +126,7 @@ TEST_P(HostileConfig, JobPrintsWithDefaults) {
   Test_RemoveTree(BRELLIAN_LOG_CONFIG_FILE);
   c.prepareLog();
   THostileRun run;
-  run.input = ValidPage();
+  run.input = Hostile_ValidPage();
   run.env["PPD"] = c.ppd();
   Hostile_ExpectPrintedWithDefaults(Hostile_Run(run), c.logLines, c.absentLogLines);
 }
@@ -159,7 +146,7 @@ TEST(HostileLogFile, SymbolicLinkIsNotFollowed) {
   Test_MakeDirs(BRELLIAN_LOG_DIR);
   ASSERT_EQ(0, symlink(victim.c_str(), Test_LogFile().c_str()));
   THostileRun run;
-  run.input = ValidPage();
+  run.input = Hostile_ValidPage();
   THostileResult r = Hostile_Run(run);
   std::string why;
   EXPECT_TRUE(Hostile_Clean(r, &why)) << why;

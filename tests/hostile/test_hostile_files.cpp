@@ -22,19 +22,6 @@ namespace {
 
 const std::string kSerial = "ab12";
 
-// 'Bytes()' - A string literal with its zero bytes, without the final one.
-template <size_t N>
-std::string Bytes(const char (&text)[N]) {
-  return std::string(text, N - 1);
-}
-
-std::string ValidPage() {
-  std::string s;
-  Raster_WriteStream({Raster_MakeRGBPage(8, 2, 300, 0, 0, 0)}, false, &s);
-  return s;
-}
-
-std::string GeneratedPPD() { return std::string(BRELLIAN_BINARY_DIR) + "/ppd/br1060.ppd"; }
 
 std::string SettingsPath() {
   std::string model = Status_ModelName(1060);
@@ -162,7 +149,7 @@ const TFileCase kCases[] = {
      {LutNotUsable("line 258: more than 256 rows")}, {}},
     {"LutBadNumber", LutText("level,red,green,blue\n0,1,2,x3\n"), kLut1, kSerial,
      {LutNotUsable("line 2: value is not a number from 0 to 255")}, {}},
-    {"LutBinary", LutText(Bytes("level,red,green,blue\n0,1\0,2,3\n")), kLut1, kSerial,
+    {"LutBinary", LutText(Test_Bytes("level,red,green,blue\n0,1\0,2,3\n")), kLut1, kSerial,
      {LutNotUsable("line 0: binary data")}, {}},
     {"LutOversized", LutText(std::string(70000, '#')), kLut1, kSerial,
      {LutNotUsable("line 0: file larger than 64 KiB")}, {}},
@@ -191,9 +178,9 @@ TEST_P(HostileFiles, FallBackWithoutBlocking) {
   Test_SetLogLevelWord("EntryExit");
   c.prepare();
   THostileRun run;
-  run.input = ValidPage();
+  run.input = Hostile_ValidPage();
   run.args = {"7", "user", "title", "1", c.options};
-  run.env["PPD"] = GeneratedPPD();
+  run.env["PPD"] = Test_GeneratedPPD();
   run.env["DEVICE_URI"] = "usbbr://Brellian/X?serial=" + c.serial;
   Hostile_ExpectPrintedWithDefaults(Hostile_Run(run), c.logLines, c.absentLogLines);
 }

@@ -42,14 +42,14 @@ TEST(HostileProcess, SigtermAfterHundredRowsOnAPipe) {
   run.sigtermAfterBytes = headerBytes + 100 * 24;
   THostileResult r = Hostile_Run(run);
   Expect(r, 0, "PAGE: 1 1\nINFO: Printing page 1, 0% complete...\nINFO: Ready to print.\n");
-  EXPECT_EQ(std::vector<uint16_t>{1}, Hostile_RecordTypes(r.out));
+  EXPECT_EQ(std::vector<uint16_t>{1}, Test_RecordTypes(r.out));
 }
 
 TEST(HostileProcess, StandardOutputClosed) {
   Test_ResetLog();
   THostileRun run;
   run.input = Stream({Raster_MakeRGBPage(8, 2, 300, 0, 0, 0)});
-  run.stdoutMode = THostileStdout::Closed;
+  run.stdoutMode = TProcessStdout::Closed;
   Expect(Hostile_Run(run), 0, Hostile_ProgressErr({2}));
 }
 
@@ -59,7 +59,7 @@ TEST(HostileProcess, StandardOutputFull) {
   Test_ResetLog();
   THostileRun run;
   run.input = Stream({Raster_MakeRGBPage(8, 2, 300, 0, 0, 0), Raster_MakeRGBPage(8, 2, 300, 0, 0, 0)});
-  run.stdoutMode = THostileStdout::Full;
+  run.stdoutMode = TProcessStdout::Full;
   Expect(Hostile_Run(run), 0, Hostile_ProgressErr({2, 2}));
 }
 

@@ -45,15 +45,15 @@ std::vector<uint8_t> Distinct(size_t n) {
 TEST(PanelTables, GeometryAndResolutionByModel) {
   Status_BuildTables();
   ASSERT_EQ(3u, g_panelGeometry.size());
-  EXPECT_EQ(1036u, g_panelGeometry[1030].width);
-  EXPECT_EQ(664u, g_panelGeometry[1030].height);
-  EXPECT_EQ(1036u, g_panelGeometry[1035].width);
-  EXPECT_EQ(664u, g_panelGeometry[1035].height);
-  EXPECT_EQ(2072u, g_panelGeometry[1060].width);
-  EXPECT_EQ(1328u, g_panelGeometry[1060].height);
-  EXPECT_EQ(300u, g_modelResolution[1030]);
-  EXPECT_EQ(300u, g_modelResolution[1035]);
-  EXPECT_EQ(600u, g_modelResolution[1060]);
+  EXPECT_EQ(1036u, Panel_ModelGeometry(1030).width);
+  EXPECT_EQ(664u, Panel_ModelGeometry(1030).height);
+  EXPECT_EQ(1036u, Panel_ModelGeometry(1035).width);
+  EXPECT_EQ(664u, Panel_ModelGeometry(1035).height);
+  EXPECT_EQ(2072u, Panel_ModelGeometry(1060).width);
+  EXPECT_EQ(1328u, Panel_ModelGeometry(1060).height);
+  EXPECT_EQ(300u, Panel_ModelResolution(1030));
+  EXPECT_EQ(300u, Panel_ModelResolution(1035));
+  EXPECT_EQ(600u, Panel_ModelResolution(1060));
 }
 
 TEST(PanelTables, GeometryOfTheTasksModel) {

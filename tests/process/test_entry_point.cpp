@@ -123,7 +123,7 @@ TEST_F(EntryPoint, LogDirectoryKeepsTheInheritedUmask) {
 
 TEST_F(EntryPoint, ClosedStandardOutputIsHarmless) {
   TProcessOptions options;
-  options.closeStdout = true;
+  options.stdoutMode = TProcessStdout::Closed;
   TProcessResult r = Test_RunFilter({"1", "u", "t", "1"}, options);
   EXPECT_EQ(1, r.status);
   EXPECT_EQ(kUsage, r.err);

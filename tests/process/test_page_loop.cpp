@@ -15,21 +15,9 @@
 #include "jobstream/records.h"
 #include "raster_writer.h"
 #include "support/process.h"
+#include "support/stream_types.h"
 
 namespace {
-
-// 'Types()' - Record types of a job command stream, in order.
-std::vector<uint16_t> Types(const std::string& s) {
-  std::vector<uint16_t> out;
-  size_t pos = 0;
-  while (pos + ICMD_HEADER_BYTES <= s.size()) {
-    const uint8_t* p = reinterpret_cast<const uint8_t*>(s.data() + pos);
-    out.push_back(Rec_Get16(p));
-    pos += ICMD_HEADER_BYTES + Rec_Get32(p + 2);
-  }
-  EXPECT_EQ(pos, s.size());
-  return out;
-}
 
 std::string Stream(std::vector<TRasterPage> pages) {
   std::string out;
@@ -53,7 +41,7 @@ TEST(PageLoop, EmptyInputWritesHeaderAndFooterButFindsNoPages) {
   Test_ResetLog();
   TProcessResult r = Test_RunFilter(kArgs);
   EXPECT_EQ(1, r.status);
-  EXPECT_EQ((std::vector<uint16_t>{ICMD_STARTJOB, ICMD_ENDJOB}), Types(r.out));
+  EXPECT_EQ((std::vector<uint16_t>{ICMD_STARTJOB, ICMD_ENDJOB}), Test_RecordTypes(r.out));
   EXPECT_EQ("ERROR: No pages found!\n", r.err);
   std::vector<std::string> log = Test_LogMessages();
   EXPECT_TRUE(Test_Contains(log, " CMD: ICMD_STARTJOB"));
@@ -65,7 +53,7 @@ TEST(PageLoop, GarbageInputIsAJobWithoutPages) {
   o.input = "this is not a raster stream";
   TProcessResult r = Test_RunFilter(kArgs, o);
   EXPECT_EQ(1, r.status);
-  EXPECT_EQ((std::vector<uint16_t>{ICMD_STARTJOB, ICMD_ENDJOB}), Types(r.out));
+  EXPECT_EQ((std::vector<uint16_t>{ICMD_STARTJOB, ICMD_ENDJOB}), Test_RecordTypes(r.out));
   EXPECT_EQ("ERROR: No pages found!\n", r.err);
 }
 
@@ -81,7 +69,7 @@ TEST(PageLoop, ProgressEvery128RowsOfA300RowPage) {
       << r.err;
   EXPECT_EQ(3u, Count(r.err, "INFO: Printing page"));
   EXPECT_NE(std::string::npos, r.err.find("INFO: Ready to print.\n"));
-  std::vector<uint16_t> t = Types(r.out);
+  std::vector<uint16_t> t = Test_RecordTypes(r.out);
   ASSERT_FALSE(t.empty());
   EXPECT_EQ(ICMD_STARTJOB, t.front());
   EXPECT_EQ(ICMD_ENDJOB, t.back());
@@ -152,7 +140,7 @@ TEST(PageLoop, SigtermDuringTheRowsEndsWithoutEndJobAndStatus0) {
   EXPECT_EQ(0, r.status);
   EXPECT_NE(std::string::npos, r.err.find("INFO: Ready to print.\n"));
   EXPECT_EQ(std::string::npos, r.err.find("INFO: Printing page 1, 6% complete"));
-  EXPECT_EQ((std::vector<uint16_t>{ICMD_STARTJOB}), Types(r.out));
+  EXPECT_EQ((std::vector<uint16_t>{ICMD_STARTJOB}), Test_RecordTypes(r.out));
   EXPECT_FALSE(Test_Contains(Test_LogMessages(), " CMD: ICMD_ENDJOB"));
 }
 
@@ -199,7 +187,7 @@ TEST(PageLoop, PageBeyondTheCapsTakesTheOutOfMemoryPath) {
   TProcessResult r = Test_RunFilter(kArgs, o);
   EXPECT_EQ(1, r.status);
   EXPECT_EQ("ERROR: Unable to allocate memory!\n", r.err);
-  EXPECT_EQ((std::vector<uint16_t>{ICMD_STARTJOB}), Types(r.out));
+  EXPECT_EQ((std::vector<uint16_t>{ICMD_STARTJOB}), Test_RecordTypes(r.out));
 }
 
 TEST(PageLoop, PageWhoseSizeWrapsIn32BitsTakesTheOutOfMemoryPath) {
@@ -255,7 +243,7 @@ TEST(PageLoop, DuplexJobOfEightPagesMakesAtMostOneCardAndCountsEveryPage) {
   EXPECT_EQ(0, r.status);
   for (int p = 1; p <= 8; ++p)
     EXPECT_NE(std::string::npos, r.err.find("PAGE: " + std::to_string(p) + " 1\n")) << p;
-  std::vector<uint16_t> t = Types(r.out);
+  std::vector<uint16_t> t = Test_RecordTypes(r.out);
   ASSERT_GE(t.size(), 2u);
   EXPECT_EQ(ICMD_STARTJOB, t.front());
   EXPECT_EQ(ICMD_ENDJOB, t.back());

@@ -4,20 +4,20 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <set>
 #include <sstream>
 #include <string>
 #include <unistd.h>
 #include <vector>
 
+#include "options/read_context.h"
 #include "support/process.h"
 
 namespace {
 
 const int kModels[] = {1030, 1035, 1060};
 
-std::string PPDPath(int model) {
-  return std::string(BRELLIAN_BINARY_DIR) + "/ppd/br" + std::to_string(model) + ".ppd";
-}
+std::string PPDPath(int model) { return Test_GeneratedPPD(model); }
 
 // 'FindProgram()' - Full path of a program on $PATH (or the usual places).
 std::string FindProgram(const std::string& name) {
@@ -68,52 +68,15 @@ bool Dimension(const std::vector<std::string>& lines, const std::string& size, d
   return false;
 }
 
-struct TKeyword {
-  std::string keyword;
-  std::vector<const char*> choices;
-};
-
-std::vector<TKeyword> Keywords() {
-  std::vector<const char*> yesNo = {"Yes", "No"};
-  std::vector<const char*> inst = {"Installed", "NotInstalled"};
-  std::vector<const char*> resin = {"Page", "CustomAreas"};
-  std::vector<const char*> po = {"None", "Page", "CustomAreas"};
-  std::vector<const char*> uv = {"None", "Page"};
-  const char* presets[] = {"Preset1", "Preset2", "Preset3", "Preset4", "Preset5",
-                           "Preset6", "Preset7", "Preset8", "Preset9", "Preset10"};
-  for (int i = 0; i < 10; ++i) {
-    resin.push_back(presets[i]);
-    po.push_back(presets[i]);
-    if (i < 5) uv.push_back(presets[i]);
-  }
-  std::vector<TKeyword> k = {
-      {"ribbonType", {"YMCK", "YMCKK", "YMCK-PO", "YMCK-UV", "Black"}},
-      {"flipTurn", inst}, {"laminator", inst}, {"magEncoder", inst}, {"icEncoder", inst},
-      {"icEncoderContactless", inst},
-      {"cardThickness", {"Default", "Thin", "Standard"}},
-      {"cardLaminate", yesNo}, {"entryCardFlip", yesNo}, {"cardEjectExisting", yesNo},
-      {"printerPlugin", {"Default"}},
-      {"magPOMode", {"Default", "Auto", "Disabled", "Enabled"}},
-      {"magEncodeCardFlip", yesNo},
-      {"magEncodeFormat1", {"None", "ISO6-76", "ISO7-69", "ISO6-79"}},
-      {"magEncodeFormat2", {"None", "ISO4-37"}},
-      {"magEncodeFormat3", {"None", "ISO7-69", "ISO6-79", "ISO4-104"}},
-  };
-  for (const char* side : {"front", "back"}) {
-    std::string s(side);
-    auto add = [&](const std::string& name, std::vector<const char*> choices) {
-      k.push_back({name, choices});
-    };
-    add(s + "Ribbon", {"Color", "ColorK", "Grayscale", "Monochrome"});
-    add(s + "Resin", resin);
-    add(s + "UV", uv);
-    add(s + "UVMAC", {"UpperRight", "LowerLeft"});
-    add(s + "PO", po);
-    add(s + "LUTTable", {"Firmware", "LUT1", "LUT2", "LUT3"});
-    add(s + "SecureErase", yesNo);
-    add(s + "Rotation", yesNo);
-  }
-  return k;
+// 'Choices()' - The choice names the PPD offers for keyword (the text
+// between "*keyword " and "/" on each choice line).
+std::vector<std::string> Choices(const std::vector<std::string>& lines, const std::string& keyword) {
+  std::vector<std::string> choices;
+  std::string prefix = "*" + keyword + " ";
+  for (const std::string& l : lines)
+    if (l.compare(0, prefix.size(), prefix) == 0)
+      choices.push_back(l.substr(prefix.size(), l.find('/') - prefix.size()));
+  return choices;
 }
 
 std::vector<std::string> CustomTextKeywords() {
@@ -183,14 +146,24 @@ TEST(PPDFiles, CardAndPanelSizesInBothOrientations) {
   EXPECT_NEAR(159.36, 664 * 72.0 / 300, 1e-9);
 }
 
-TEST(PPDFiles, EveryKeywordAndChoiceOfTheOptionReader) {
+TEST(PPDFiles, EveryKeywordAndCodeOfTheOptionReader) {
+  // Every keyword the option reader reads as a code is offered, and every
+  // code it can give (each of its choice texts and its fallback) comes from
+  // at least one of the PPD's choices, read as the reader reads them.
+  ASSERT_GT(g_choiceKeywordCount, 20u);
   for (int model : kModels) {
     std::vector<std::string> lines = Lines(model);
-    for (const TKeyword& k : Keywords()) {
-      EXPECT_TRUE(HasPrefix(lines, "*OpenUI *" + k.keyword + "/")) << k.keyword;
-      for (const char* c : k.choices)
-        EXPECT_TRUE(HasPrefix(lines, "*" + k.keyword + " " + c + "/"))
-            << model << " " << k.keyword << " " << c;
+    for (size_t i = 0; i < g_choiceKeywordCount; ++i) {
+      const TChoiceKeyword& k = g_choiceKeywords[i];
+      EXPECT_TRUE(HasPrefix(lines, std::string("*OpenUI *") + k.keyword + "/")) << model << " " << k.keyword;
+      std::set<int32_t> offered;
+      for (const std::string& c : Choices(lines, k.keyword))
+        offered.insert(Opt_Lookup(k.choices, k.count, c, k.fallback));
+      std::set<int32_t> known = {k.fallback};
+      for (size_t c = 0; c < k.count; ++c) known.insert(k.choices[c].code);
+      for (int32_t code : known)
+        EXPECT_TRUE(offered.count(code)) << model << " " << k.keyword << " gives " << code
+                                         << " from no choice of the PPD";
     }
   }
 }

@@ -9,7 +9,7 @@
 
 TEST(ReadOptionsProcess, FilterTracesTheOptionsOfTheJob) {
   Test_ResetLog();
-  std::string ppd = std::string(BRELLIAN_BINARY_DIR) + "/ppd/br1060.ppd";
+  std::string ppd = Test_GeneratedPPD(1060);
   TProcessOptions options;
   options.env["PPD"] = ppd;
   options.env["DEVICE_URI"] = "usbbr://Brellian/x?serial=PROC1";

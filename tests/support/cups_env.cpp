@@ -50,7 +50,7 @@ bool Cups_HaveTools() {
 }
 
 std::string Cups_PpdPath(int model) {
-  return std::string(BRELLIAN_BINARY_DIR) + "/ppd/br" + std::to_string(model) + ".ppd";
+  return Test_GeneratedPPD(model);
 }
 
 std::string Cups_SampleCardPdf() {

@@ -2,30 +2,20 @@
 // Copyright 2026 The rastertobrellian authors.
 #include "support/hostile_harness.h"
 
-#include <cerrno>
-#include <chrono>
-#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <dirent.h>
-#include <fcntl.h>
-#include <poll.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cups/raster.h>
 #include <gtest/gtest.h>
 
 #include "brellian_paths.h"
+#include "raster_writer.h"
 #include "support/process.h"
 
-extern char** environ;
-
 namespace {
-
-using TClock = std::chrono::steady_clock;
 
 // 'Harness_ListTree()' - Every path below dir (files and directories).
 void Harness_ListTree(const std::string& dir, std::set<std::string>* out) {
@@ -52,13 +42,6 @@ std::string Harness_SysRoot() {
   return conf.substr(0, conf.size() - strlen("/etc/brellian"));
 }
 
-std::vector<char*> Harness_Pointers(std::vector<std::string>* strings) {
-  std::vector<char*> p;
-  for (std::string& s : *strings) p.push_back(&s[0]);
-  p.push_back(nullptr);
-  return p;
-}
-
 }  // namespace
 
 std::string Hostile_Scratch(const std::string& name) {
@@ -75,111 +58,24 @@ THostileResult Hostile_Run(const THostileRun& run) {
   std::set<std::string> before;
   Harness_ListTree(Harness_SysRoot(), &before);
 
-  std::vector<std::string> envStrings;
-  std::map<std::string, std::string> env = run.env;
-  env.emplace("HOME", home);
-  env.emplace("TMPDIR", tmp);
+  TProcessOptions options;
+  options.input = run.input;
+  options.env = run.env;
+  options.env.emplace("HOME", home);
+  options.env.emplace("TMPDIR", tmp);
   // A sanitized filter keeps freed memory in quarantine (256 MiB by
   // default); a small one keeps its peak a measure of what the filter holds.
   const char* asan = getenv("ASAN_OPTIONS");
-  env.emplace("ASAN_OPTIONS", std::string(asan && *asan ? asan : "") +
-                                  (asan && *asan ? ":" : "") + "quarantine_size_mb=16");
-  for (char** e = environ; *e; ++e) {
-    std::string entry(*e);
-    std::string name = entry.substr(0, entry.find('='));
-    if (env.count(name) == 0) envStrings.push_back(entry);
-  }
-  for (const auto& kv : env) envStrings.push_back(kv.first + "=" + kv.second);
-  std::vector<std::string> args = {BRELLIAN_FILTER_PATH};
-  args.insert(args.end(), run.args.begin(), run.args.end());
-  std::vector<char*> envp = Harness_Pointers(&envStrings), argp = Harness_Pointers(&args);
-
-  int inPipe[2], outPipe[2], errPipe[2];
-  if (pipe(inPipe) || pipe(outPipe) || pipe(errPipe)) return result;
-  pid_t pid = fork();
-  if (pid == 0) {
-    if (chdir(work.c_str()) != 0) _exit(126);
-    dup2(inPipe[0], 0);
-    dup2(errPipe[1], 2);
-    if (run.stdoutMode == THostileStdout::Pipe) {
-      dup2(outPipe[1], 1);
-    } else if (run.stdoutMode == THostileStdout::Full) {
-      int full = open("/dev/full", O_WRONLY);
-      dup2(full, 1);
-      close(full);
-    }
-    for (int fd : {inPipe[0], inPipe[1], outPipe[0], outPipe[1], errPipe[0], errPipe[1]}) close(fd);
-    if (run.stdoutMode == THostileStdout::Closed) close(1);
-    execve(argp[0], argp.data(), envp.data());
-    _exit(127);
-  }
-  close(inPipe[0]);
-  close(outPipe[1]);
-  close(errPipe[1]);
-  signal(SIGPIPE, SIG_IGN);
-
-  const auto deadline = TClock::now() + std::chrono::milliseconds(
-                                            static_cast<int64_t>(run.deadlineSeconds * 1000));
-  int inFd = inPipe[1];
-  fcntl(inFd, F_SETFL, O_NONBLOCK);
-  size_t written = 0;
-  size_t limit = run.sigtermOnErr.empty() ? run.input.size() : run.sigtermAfterBytes;
-  bool sigtermSent = run.sigtermOnErr.empty();
-  bool outOpen = true, errOpen = true;
-  char buf[65536];
-  while (outOpen || errOpen) {
-    if (inFd >= 0 && written >= run.input.size()) {
-      close(inFd);
-      inFd = -1;
-    }
-    int remaining = static_cast<int>(
-        std::chrono::duration_cast<std::chrono::milliseconds>(deadline - TClock::now()).count());
-    if (remaining <= 0) {
-      kill(pid, SIGKILL);
-      result.timedOut = true;
-      break;
-    }
-    struct pollfd fds[3];
-    int n = 0, outIdx = -1, errIdx = -1, inIdx = -1;
-    if (outOpen) { fds[n] = {outPipe[0], POLLIN, 0}; outIdx = n++; }
-    if (errOpen) { fds[n] = {errPipe[0], POLLIN, 0}; errIdx = n++; }
-    if (inFd >= 0 && written < limit) { fds[n] = {inFd, POLLOUT, 0}; inIdx = n++; }
-    int ready = poll(fds, n, remaining < 100 ? remaining : 100);
-    if (ready < 0 && errno != EINTR) break;
-    if (outIdx >= 0 && fds[outIdx].revents) {
-      ssize_t r = read(outPipe[0], buf, sizeof buf);
-      if (r <= 0) outOpen = false; else result.out.append(buf, r);
-    }
-    if (errIdx >= 0 && fds[errIdx].revents) {
-      ssize_t r = read(errPipe[0], buf, sizeof buf);
-      if (r <= 0) errOpen = false; else result.err.append(buf, r);
-    }
-    if (!sigtermSent && result.err.find(run.sigtermOnErr) != std::string::npos) {
-      usleep(static_cast<useconds_t>(run.sigtermDelayMs) * 1000);
-      kill(pid, run.signal);
-      sigtermSent = true;
-      limit = run.input.size();
-    }
-    if (inIdx >= 0 && fds[inIdx].revents) {
-      if (fds[inIdx].revents & (POLLERR | POLLHUP)) {
-        close(inFd);
-        inFd = -1;
-      } else {
-        ssize_t w = write(inFd, run.input.data() + written, limit - written);
-        if (w > 0) written += static_cast<size_t>(w);
-        if (w < 0 && errno != EAGAIN) written = run.input.size();
-      }
-    }
-  }
-  if (inFd >= 0) close(inFd);
-  close(outPipe[0]);
-  close(errPipe[0]);
-  int status = 0;
-  struct rusage usage;
-  memset(&usage, 0, sizeof usage);
-  wait4(pid, &status, 0, &usage);
-  result.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-  result.maxRssKb = usage.ru_maxrss;
+  options.env.emplace("ASAN_OPTIONS", std::string(asan && *asan ? asan : "") +
+                                          (asan && *asan ? ":" : "") + "quarantine_size_mb=16");
+  options.stdoutMode = run.stdoutMode;
+  options.workDir = work;
+  options.deadlineSeconds = run.deadlineSeconds;
+  options.sigtermOnErr = run.sigtermOnErr;
+  options.holdInputAt = run.sigtermAfterBytes;
+  options.signalDelayMs = run.sigtermDelayMs;
+  options.signal = run.signal;
+  static_cast<TProcessResult&>(result) = Test_RunFilter(run.args, options);
 
   std::set<std::string> after;
   Harness_ListTree(Harness_SysRoot(), &after);
@@ -253,19 +149,6 @@ std::string Hostile_ProgressErr(const std::vector<uint32_t>& heights) {
   return err + "INFO: Ready to print.\n";
 }
 
-std::vector<uint16_t> Hostile_RecordTypes(const std::string& s) {
-  std::vector<uint16_t> types;
-  size_t pos = 0;
-  while (pos + 6 <= s.size()) {
-    const uint8_t* p = reinterpret_cast<const uint8_t*>(s.data() + pos);
-    types.push_back(static_cast<uint16_t>(p[0] | p[1] << 8));
-    pos += 6 + (static_cast<size_t>(p[2]) | static_cast<size_t>(p[3]) << 8 |
-                static_cast<size_t>(p[4]) << 16 | static_cast<size_t>(p[5]) << 24);
-  }
-  if (pos != s.size()) types.push_back(0xFFFF);
-  return types;
-}
-
 bool Hostile_LogHas(const std::vector<std::string>& log, const std::string& text) {
   for (const std::string& line : log) {
     size_t start = line.find_first_not_of(' ');
@@ -294,4 +177,10 @@ std::vector<uint16_t> Hostile_SimplexColorCard(uint32_t height, uint32_t rowsPer
   for (uint32_t row = 0; row < height; row += rowsPerRecord) t.push_back(10);
   for (uint16_t r : {9, 7, 4, 2}) t.push_back(r);
   return t;
+}
+
+std::string Hostile_ValidPage() {
+  std::string s;
+  Raster_WriteStream({Raster_MakeRGBPage(8, 2, 300, 0, 0, 0)}, false, &s);
+  return s;
 }

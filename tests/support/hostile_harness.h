@@ -8,30 +8,25 @@
 #include <string>
 #include <vector>
 
-// How standard output of the filter is connected.
-enum class THostileStdout { Pipe, Closed, Full };
+#include "support/process.h"
+#include "support/stream_types.h"
 
 struct THostileRun {
   std::vector<std::string> args = {"7", "user", "title", "1", ""};
   std::string input;                          // standard input through a pipe
   std::map<std::string, std::string> env;     // added to or replacing the environment
-  THostileStdout stdoutMode = THostileStdout::Pipe;
+  TProcessStdout stdoutMode = TProcessStdout::Pipe;
   double deadlineSeconds = 20;                // the process is killed after this
   // With sigtermOnErr set: write only the first sigtermAfterBytes of input,
   // wait until standard error holds sigtermOnErr, wait sigtermDelayMs, send
-  // SIGTERM, then write the rest of the input.
+  // the signal, then write the rest of the input.
   std::string sigtermOnErr;
   size_t sigtermAfterBytes = 0;
   int sigtermDelayMs = 200;
   int signal = 15;                            // the signal sent (SIGTERM)
 };
 
-struct THostileResult {
-  int status = -1;          // exit status, or 128 + signal number
-  bool timedOut = false;    // killed at the deadline
-  std::string out;
-  std::string err;
-  long maxRssKb = 0;        // peak resident size of the filter
+struct THostileResult : TProcessResult {
   std::vector<std::string> strayFiles;   // files written outside the two directories
 };
 
@@ -69,9 +64,6 @@ bool Hostile_Clean(const THostileResult& r, std::string* why);
 // the given heights and are all read whole, ending "INFO: Ready to print.".
 std::string Hostile_ProgressErr(const std::vector<uint32_t>& heights);
 
-// 'Hostile_RecordTypes()' - Record types of a job command stream; a stream
-// that does not end on a record boundary gets a final 0xFFFF.
-std::vector<uint16_t> Hostile_RecordTypes(const std::string& stream);
 
 // 'Hostile_LogHas()' - True when a log line, without its leading space and
 // indentation, is text.
@@ -92,3 +84,7 @@ void Hostile_ExpectPrintedWithDefaults(const THostileResult& r, const std::vecto
 // colour card whose panel of the given height goes out in records of
 // rowsPerRecord rows.
 std::vector<uint16_t> Hostile_SimplexColorCard(uint32_t height, uint32_t rowsPerRecord);
+
+// 'Hostile_ValidPage()' - A raster stream of one valid 8 x 2 white RGB
+// page at 300 dpi.
+std::string Hostile_ValidPage();

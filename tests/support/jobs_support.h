@@ -31,7 +31,7 @@ const char* const kSerial = "jobs01";
 inline std::string Job_TestDir() { return std::string(BRELLIAN_BINARY_DIR) + "/test-jobs"; }
 
 // 'Job_PPD()' - The build's PPD of the 1030 model (1036 x 664 panels).
-inline std::string Job_PPD() { return std::string(BRELLIAN_BINARY_DIR) + "/ppd/br1030.ppd"; }
+inline std::string Job_PPD() { return Test_GeneratedPPD(1030); }
 
 // 'Job_Settings()' - Settings for the jobs' printer, as the preset tool
 // saves them: the file the filter reads for the default model's name and

@@ -1,4 +1,5 @@
-// Running the built filter and tools as the spooler runs them.
+// Running the built filter and tools as the spooler runs them: the one
+// process runner of the tests (input, environment, signals, a deadline).
 // Copyright 2026 The rastertobrellian authors.
 #include "support/process.h"
 
@@ -7,10 +8,13 @@
 #include <cstring>
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <chrono>
 #include <fstream>
 #include <sstream>
 
@@ -18,11 +22,13 @@
 
 extern char** environ;
 
-TProcessResult Test_RunProcess(const std::vector<std::string>& argv, const TProcessOptions& options) {
-  TProcessResult result;
-  int inPipe[2], outPipe[2], errPipe[2];
-  if (pipe(inPipe) || pipe(outPipe) || pipe(errPipe)) return result;
+namespace {
 
+using TClock = std::chrono::steady_clock;
+
+// 'Process_Environment()' - The test's environment with options.env added
+// or replacing and options.unsetEnv removed.
+std::vector<std::string> Process_Environment(const TProcessOptions& options) {
   std::vector<std::string> envStrings;
   for (char** e = environ; *e; ++e) {
     std::string entry(*e);
@@ -32,48 +38,80 @@ TProcessResult Test_RunProcess(const std::vector<std::string>& argv, const TProc
     if (!drop) envStrings.push_back(entry);
   }
   for (const auto& kv : options.env) envStrings.push_back(kv.first + "=" + kv.second);
-  std::vector<char*> envp;
-  for (std::string& s : envStrings) envp.push_back(&s[0]);
-  envp.push_back(nullptr);
-  std::vector<std::string> args = argv;
-  std::vector<char*> argp;
-  for (std::string& s : args) argp.push_back(&s[0]);
-  argp.push_back(nullptr);
+  return envStrings;
+}
 
-  pid_t pid = fork();
-  if (pid == 0) {
-    dup2(inPipe[0], 0);
+std::vector<char*> Process_Pointers(std::vector<std::string>* strings) {
+  std::vector<char*> p;
+  for (std::string& s : *strings) p.push_back(&s[0]);
+  p.push_back(nullptr);
+  return p;
+}
+
+// 'Process_Child()' - In the child: connect the pipes and standard output
+// as asked, then run argv.
+void Process_Child(const TProcessOptions& options, int inPipe[2], int outPipe[2], int errPipe[2],
+                   char** argp, char** envp) {
+  if (!options.workDir.empty() && chdir(options.workDir.c_str()) != 0) _exit(126);
+  dup2(inPipe[0], 0);
+  dup2(errPipe[1], 2);
+  if (options.stdoutMode == TProcessStdout::Pipe) {
     dup2(outPipe[1], 1);
-    dup2(errPipe[1], 2);
-    for (int fd : {inPipe[0], inPipe[1], outPipe[0], outPipe[1], errPipe[0], errPipe[1]}) close(fd);
-    if (options.closeStdout) close(1);
-    execve(argp[0], argp.data(), envp.data());
-    _exit(127);
+  } else if (options.stdoutMode == TProcessStdout::Full) {
+    int full = open("/dev/full", O_WRONLY);
+    dup2(full, 1);
+    close(full);
   }
+  for (int fd : {inPipe[0], inPipe[1], outPipe[0], outPipe[1], errPipe[0], errPipe[1]}) close(fd);
+  if (options.stdoutMode == TProcessStdout::Closed) close(1);
+  execve(argp[0], argp, envp);
+  _exit(127);
+}
+
+}  // namespace
+
+TProcessResult Test_RunProcess(const std::vector<std::string>& argv, const TProcessOptions& options) {
+  TProcessResult result;
+  std::vector<std::string> envStrings = Process_Environment(options), args = argv;
+  std::vector<char*> envp = Process_Pointers(&envStrings), argp = Process_Pointers(&args);
+  int inPipe[2], outPipe[2], errPipe[2];
+  if (pipe(inPipe) || pipe(outPipe) || pipe(errPipe)) return result;
+  pid_t pid = fork();
+  if (pid == 0) Process_Child(options, inPipe, outPipe, errPipe, argp.data(), envp.data());
   close(inPipe[0]);
   close(outPipe[1]);
   close(errPipe[1]);
   signal(SIGPIPE, SIG_IGN);
 
-  size_t written = 0;
+  const auto deadline = TClock::now() + std::chrono::milliseconds(
+                                            static_cast<int64_t>(options.deadlineSeconds * 1000));
   int inFd = inPipe[1];
-  if (options.input.empty()) {
-    close(inFd);
-    inFd = -1;
-  } else {
-    fcntl(inFd, F_SETFL, O_NONBLOCK);
-  }
-  bool sigtermSent = false;
+  fcntl(inFd, F_SETFL, O_NONBLOCK);
+  const std::string& input = options.input;
+  size_t written = 0;
+  bool signalSent = options.sigtermOnErr.empty();
+  size_t limit = signalSent ? input.size() : std::min(options.holdInputAt, input.size());
   bool outOpen = true, errOpen = true;
   char buf[65536];
   while (outOpen || errOpen) {
+    if (inFd >= 0 && written >= input.size()) {
+      close(inFd);
+      inFd = -1;
+    }
+    int remaining = static_cast<int>(
+        std::chrono::duration_cast<std::chrono::milliseconds>(deadline - TClock::now()).count());
+    if (remaining <= 0) {
+      kill(pid, SIGKILL);
+      result.timedOut = true;
+      break;
+    }
     struct pollfd fds[3];
-    int n = 0;
-    int outIdx = -1, errIdx = -1, inIdx = -1;
+    int n = 0, outIdx = -1, errIdx = -1, inIdx = -1;
     if (outOpen) { fds[n] = {outPipe[0], POLLIN, 0}; outIdx = n++; }
     if (errOpen) { fds[n] = {errPipe[0], POLLIN, 0}; errIdx = n++; }
-    if (inFd >= 0) { fds[n] = {inFd, POLLOUT, 0}; inIdx = n++; }
-    if (poll(fds, n, 60000) <= 0) break;
+    if (inFd >= 0 && written < limit) { fds[n] = {inFd, POLLOUT, 0}; inIdx = n++; }
+    int ready = poll(fds, n, remaining < 100 ? remaining : 100);
+    if (ready < 0 && errno != EINTR) break;
     if (outIdx >= 0 && fds[outIdx].revents) {
       ssize_t r = read(outPipe[0], buf, sizeof buf);
       if (r <= 0) outOpen = false; else result.out.append(buf, r);
@@ -81,24 +119,21 @@ TProcessResult Test_RunProcess(const std::vector<std::string>& argv, const TProc
     if (errIdx >= 0 && fds[errIdx].revents) {
       ssize_t r = read(errPipe[0], buf, sizeof buf);
       if (r <= 0) errOpen = false; else result.err.append(buf, r);
-      if (!sigtermSent && !options.sigtermOnErr.empty() &&
-          result.err.find(options.sigtermOnErr) != std::string::npos) {
-        kill(pid, SIGTERM);
-        sigtermSent = true;
-      }
+    }
+    if (!signalSent && result.err.find(options.sigtermOnErr) != std::string::npos) {
+      if (options.signalDelayMs > 0) usleep(static_cast<useconds_t>(options.signalDelayMs) * 1000);
+      kill(pid, options.signal);
+      signalSent = true;
+      limit = input.size();
     }
     if (inIdx >= 0 && fds[inIdx].revents) {
       if (fds[inIdx].revents & (POLLERR | POLLHUP)) {
         close(inFd);
         inFd = -1;
       } else {
-        ssize_t w = write(inFd, options.input.data() + written, options.input.size() - written);
+        ssize_t w = write(inFd, input.data() + written, limit - written);
         if (w > 0) written += static_cast<size_t>(w);
-        if (w < 0 && errno != EAGAIN) written = options.input.size();
-        if (written >= options.input.size()) {
-          close(inFd);
-          inFd = -1;
-        }
+        if (w < 0 && errno != EAGAIN) written = input.size();
       }
     }
   }
@@ -106,8 +141,11 @@ TProcessResult Test_RunProcess(const std::vector<std::string>& argv, const TProc
   close(outPipe[0]);
   close(errPipe[0]);
   int status = 0;
-  waitpid(pid, &status, 0);
+  struct rusage usage;
+  memset(&usage, 0, sizeof usage);
+  wait4(pid, &status, 0, &usage);
   result.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  result.maxRssKb = usage.ru_maxrss;
   return result;
 }
 
@@ -120,6 +158,10 @@ TProcessResult Test_RunFilter(const std::vector<std::string>& args, const TProce
 std::string Test_ConfDir() { return BRELLIAN_CONF_DIR; }
 std::string Test_LogDir() { return BRELLIAN_LOG_DIR; }
 std::string Test_LogFile() { return std::string(BRELLIAN_LOG_DIR) + "/rastertobrellian.log"; }
+
+std::string Test_GeneratedPPD(int model) {
+  return std::string(BRELLIAN_BINARY_DIR) + "/ppd/br" + std::to_string(model) + ".ppd";
+}
 
 std::string Test_ReadFile(const std::string& path) {
   std::ifstream in(path, std::ios::binary);

@@ -6,18 +6,35 @@
 #include <string>
 #include <vector>
 
+#include <csignal>
+#include <cstddef>
+#include <cstdint>
+
 struct TProcessResult {
   int status = -1;         // exit status, or 128 + signal number
   std::string out;         // standard output
   std::string err;         // standard error
+  bool timedOut = false;   // killed at the deadline
+  long maxRssKb = 0;       // peak resident size of the process
 };
+
+// How standard output of the process is connected.
+enum class TProcessStdout { Pipe, Closed, Full };
 
 struct TProcessOptions {
   std::string input;                              // written to standard input
   std::map<std::string, std::string> env;         // added to or replacing the environment
   std::vector<std::string> unsetEnv;              // removed from the environment
-  std::string sigtermOnErr;                       // send SIGTERM once stderr holds this text
-  bool closeStdout = false;                       // start with descriptor 1 closed
+  TProcessStdout stdoutMode = TProcessStdout::Pipe;   // Full: /dev/full
+  std::string workDir;                            // working directory (empty: the test's own)
+  double deadlineSeconds = 120;                   // the process is killed after this
+  // With sigtermOnErr set: once standard error holds that text, wait
+  // signalDelayMs and send signal.  Until then no more than holdInputAt
+  // bytes of input are written.
+  std::string sigtermOnErr;
+  size_t holdInputAt = SIZE_MAX;
+  int signalDelayMs = 0;
+  int signal = SIGTERM;
 };
 
 // 'Test_RunProcess()' - Run argv[0] with argv, feed input, collect output.
@@ -37,6 +54,15 @@ std::string Test_ReadFile(const std::string& path);
 void Test_WriteFile(const std::string& path, const std::string& data);
 void Test_RemoveTree(const std::string& path);
 void Test_MakeDirs(const std::string& path);
+
+// 'Test_GeneratedPPD()' - The build's PPD file of model.
+std::string Test_GeneratedPPD(int model = 1060);
+
+// 'Test_Bytes()' - A string literal with its zero bytes, without the final one.
+template <size_t N>
+std::string Test_Bytes(const char (&text)[N]) {
+  return std::string(text, N - 1);
+}
 
 // 'Test_ResetLog()' - Remove the filter's log file and log configuration.
 void Test_ResetLog();

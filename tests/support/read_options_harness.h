@@ -85,7 +85,7 @@ class ReadOptionsTest : public ::testing::Test {
   }
 
   static std::string GeneratedPPD(int model) {
-    return std::string(BRELLIAN_BINARY_DIR) + "/ppd/br" + std::to_string(model) + ".ppd";
+    return Test_GeneratedPPD(model);
   }
   static std::string FixturePPD(const std::string& name) {
     return std::string(BRELLIAN_SOURCE_DIR) + "/tests/fixtures/ppd/" + name;

@@ -7,18 +7,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <malloc.h>
 #include <random>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "log/log.h"
 #include "status/tables.h"
-
-// Large buffers always come from their own mappings, never from memory the
-// heap keeps after earlier tests, so that a memory limit applies to them.
-static const int g_fixedMmapThreshold = mallopt(M_MMAP_THRESHOLD, 128 * 1024);
+#include "support/alloc_limit.h"
 
 void TStageFree::operator()(uint8_t* p) const { free(p); }
 
@@ -80,20 +75,6 @@ std::string Stage_CaptureLog(const std::function<void()>& fn) {
   return text;
 }
 
-#if !defined(__SANITIZE_ADDRESS__)
-// 'Stage_AddressSpace()' - Current size of the process's address space.
-static size_t Stage_AddressSpace() {
-  FILE* f = fopen("/proc/self/statm", "r");
-  unsigned long pages = 0;
-  if (f) {
-    if (fscanf(f, "%lu", &pages) != 1) pages = 0;
-    fclose(f);
-  }
-  return pages * static_cast<size_t>(sysconf(_SC_PAGESIZE));
-}
-
-#endif
-
 std::string Stage_LimitedRun(size_t headroom, const std::function<int()>& fn) {
 #if defined(__SANITIZE_ADDRESS__)
   (void)headroom;
@@ -110,9 +91,7 @@ std::string Stage_LimitedRun(size_t headroom, const std::function<int()>& fn) {
     Log_SetLevel(LOG_ENTRYEXIT);
     Log_SetOutputMask(LOG_OUT_STDERR);
     Log_SetDepth(0);
-    size_t limit = Stage_AddressSpace() + headroom;
-    struct rlimit rl = {limit, limit};
-    setrlimit(RLIMIT_AS, &rl);
+    Test_LimitAllocations(headroom);
     int result = fn();
     fprintf(stderr, "exit=%d", result);
     fflush(stderr);

@@ -37,8 +37,8 @@ void Stage_SetPage(TPrintingTask* task, const cups_page_header2_t* header,
 // written to standard error (a leading blank, depth indentation, "\n").
 std::string Stage_CaptureLog(const std::function<void()>& fn);
 
-// 'Stage_LimitedRun()' - Run fn in a child process whose address space may
-// grow by at most headroom bytes; returns the child's standard error, with
+// 'Stage_LimitedRun()' - Run fn in a child process whose allocations fail
+// once they total more than headroom bytes (Test_LimitAllocations); returns the child's standard error, with
 // the log sent there at level EntryExit, followed by "exit=<fn's result>".
 // Returns "" when the limit cannot be applied (sanitizer builds).
 std::string Stage_LimitedRun(size_t headroom, const std::function<int()>& fn);

@@ -63,38 +63,42 @@ TEST_F(PreviewTool, TheCompositeFollowsTheDocumentedFormulas) {
   Test_WriteFile(dir + "/job.bin", PreviewJob().bytes);
   TProcessResult r = Test_RunProcess({PREVIEW, "-o", dir + "/out", dir + "/job.bin"});
   ASSERT_EQ(0, r.status) << r.err;
-  EXPECT_EQ("OK: complete job, 35 records, 6 panels\nwrote " + dir + "/out/side0-card.png (6 x 5)\nwrote " + dir +
+  // The front has UV and overlay: a legend band of 33 rows below the card.
+  EXPECT_EQ("OK: complete job, 35 records, 6 panels\nwrote " + dir + "/out/side0-card.png (6 x 38)\nwrote " + dir +
                 "/out/side1-card.png (6 x 5)\n",
             r.out);
   EXPECT_EQ("brellian-preview: side 1: left out panel 1 (uv): 3 x 3, not 6 x 5\n", r.err);
   dir += "/out";
   TPngImage front = Picture("side0-card.png");
   ASSERT_EQ(6u, front.width);
-  ASSERT_EQ(5u, front.height);
+  ASSERT_EQ(38u, front.height);
   using P = std::vector<uint8_t>;
   EXPECT_EQ(P({10, 20, 30}), At(front, 0, 0));       // colour as sent
   EXPECT_EQ(P({0, 0, 0}), At(front, 1, 0));          // black 255
   EXPECT_EQ(P({100, 50, 25}), At(front, 2, 0));      // black 128: (c x 127 + 127) / 255
-  EXPECT_EQ(P({164, 50, 153}), At(front, 3, 0));     // UV 255: half-way to (128, 0, 255)
-  EXPECT_EQ(P({186, 80, 90}), At(front, 0, 1));      // UV 100
+  EXPECT_EQ(P({255, 255, 255}), At(front, 3, 0));    // UV 255: its own edge, in a white block
+  EXPECT_EQ(P({200, 100, 50}), At(front, 0, 1));     // UV 100 is outside the UV region
   EXPECT_EQ(P({200, 100, 50}), At(front, 5, 0));     // nothing over the colour
   EXPECT_EQ(P({200, 100, 50}), At(front, 0, 4));
-  // The overlay block's edge is outlined; its inside keeps the colour.
+  // The overlay block's edge is outlined, green in the blocks of 3 x 3 dots
+  // whose column and row numbers add up to an even number, white in the
+  // others; its inside keeps the colour off the hatch lines.
   for (uint32_t x = 1; x <= 4; ++x) {
-    EXPECT_EQ(P({0, 160, 0}), At(front, x, 1)) << x;
-    EXPECT_EQ(P({0, 160, 0}), At(front, x, 3)) << x;
+    P mark = x < 3 ? P({0, 160, 0}) : P({255, 255, 255});
+    EXPECT_EQ(mark, At(front, x, 1)) << x;
+    EXPECT_EQ(x < 3 ? P({255, 255, 255}) : P({0, 160, 0}), At(front, x, 3)) << x;
   }
   EXPECT_EQ(P({0, 160, 0}), At(front, 1, 2));
-  EXPECT_EQ(P({0, 160, 0}), At(front, 4, 2));
+  EXPECT_EQ(P({255, 255, 255}), At(front, 4, 2));
   EXPECT_EQ(P({200, 100, 50}), At(front, 2, 2));
   EXPECT_EQ(P({200, 100, 50}), At(front, 3, 2));
   EXPECT_EQ(P({200, 100, 50}), At(front, 5, 2));
-  // The back: white card, all black.
+  // The back: white card, all black, no legend.
   TPngImage back = Picture("side1-card.png");
   EXPECT_EQ(std::vector<uint8_t>(W * H * 3, 0), back.pixels);
 }
 
-TEST_F(PreviewTool, PanelsToThePanelEdgeAreOutlinedAndPanelPicturesCanBeAdded) {
+TEST_F(PreviewTool, ARegionToThePanelEdgeIsOutlinedAndHatchedAndPanelPicturesCanBeAdded) {
   std::vector<uint8_t> po(W * H, 255);
   TStreamBuilder b;
   b.StartJob(1).StartCard(2).StartSide(0).Lut().Panel(W, H, 3, po, 5).EndSide(0).EndCard(2).EndJob(1);
@@ -103,11 +107,16 @@ TEST_F(PreviewTool, PanelsToThePanelEdgeAreOutlinedAndPanelPicturesCanBeAdded) {
   ASSERT_EQ(0, r.status) << r.err;
   EXPECT_EQ("", r.out);
   TPngImage front = Picture("side0-card.png");
+  ASSERT_EQ(5u + 33u, front.height);
+  const std::vector<uint8_t> white = {255, 255, 255}, green = {0, 160, 0};
   for (uint32_t y = 0; y < H; ++y)
     for (uint32_t x = 0; x < W; ++x) {
       bool edge = x == 0 || y == 0 || x == W - 1 || y == H - 1;
-      EXPECT_EQ(edge ? std::vector<uint8_t>({0, 160, 0}) : std::vector<uint8_t>({255, 255, 255}), At(front, x, y));
+      bool hatch = (x + y) % 6 < 2;            // lines running up to the right, 2 dots wide
+      bool colour = (x / 3 + y / 3) % 2 == 0;  // green and white blocks of 3 x 3 dots
+      EXPECT_EQ((edge || hatch) && colour ? green : white, At(front, x, y)) << x << "," << y;
     }
+  EXPECT_EQ(green, At(front, 3, 3));  // a hatch dot inside the region, in a green block
   TPngImage panel = Picture("side0-panel0-po.png");
   EXPECT_EQ(std::vector<uint8_t>(W * H * 3, 0), panel.pixels);   // the inspector's picture: applied shows black
 }

@@ -172,7 +172,7 @@ TEST_F(SettingsTool, TheFilterReadsThePresetsTheToolWrote) {
   Test_ResetLog();
   TProcessOptions o;
   o.input = raster;
-  o.env["PPD"] = BRELLIAN_BINARY_DIR "/ppd/br1030.ppd";
+  o.env["PPD"] = Test_GeneratedPPD(1030);
   o.env["DEVICE_URI"] = "brellian://printer?serial=" + serial;
   r = Test_RunFilter({"5", "user", "title", "1",
                       "frontRibbon=ColorK frontResin=Preset2 frontPO=Preset1 printerPlugin=Default "

@@ -49,7 +49,7 @@ TEST_F(UvJob, TheFilterPrintsTheConvertedPictureAsTheUVPanel) {
   ASSERT_TRUE(Raster_WriteStream({Raster_MakeRGBPage(W, H, 300, 255, 255, 255)}, false, &raster));
   TProcessOptions o;
   o.input = raster;
-  o.env["PPD"] = BRELLIAN_BINARY_DIR "/ppd/br1030.ppd";
+  o.env["PPD"] = Test_GeneratedPPD(1030);
   o.env["DEVICE_URI"] = "brellian://printer?serial=UVJOB1";
   r = Test_RunFilter({"8", "user", "uv", "1", "ribbonType=YMCK-UV frontUV=Preset2"}, o);
   ASSERT_EQ(0, r.status) << r.err;
@@ -68,7 +68,8 @@ TEST_F(UvJob, TheFilterPrintsTheConvertedPictureAsTheUVPanel) {
   EXPECT_EQ(255, uv->pixels[50 * W + 100]);
   EXPECT_EQ(0, uv->pixels[50 * W + 99]);
 
-  // The preview: a white card tinted violet where the UV goes.
+  // The preview: a white card, the UV region outlined and hatched in violet
+  // and white blocks of 3 x 3 dots, and a legend band below.
   Test_WriteFile(dir + "/job.bin", r.out);
   r = Test_RunProcess({TOOLS + "/brellian-preview", "-q", "-o", dir, dir + "/job.bin"});
   ASSERT_EQ(0, r.status) << r.err;
@@ -76,14 +77,20 @@ TEST_F(UvJob, TheFilterPrintsTheConvertedPictureAsTheUVPanel) {
   std::string error;
   ASSERT_TRUE(Png_DecodeRGB(Test_ReadFile(dir + "/side0-card.png"), &card, &error)) << error;
   ASSERT_EQ(W, card.width);
-  for (uint32_t y : {49u, 50u, 99u, 100u}) {
-    for (uint32_t x : {99u, 100u, 199u, 200u}) {
+  ASSERT_GT(card.height, H);
+  const std::vector<uint8_t> white = {255, 255, 255}, violet = {128, 0, 255};
+  for (uint32_t y : {49u, 50u, 51u, 75u, 99u, 100u}) {
+    for (uint32_t x : {99u, 100u, 101u, 150u, 154u, 199u, 200u}) {
       const uint8_t* c = &color->pixels[(y * W + x) * 3];
-      ASSERT_EQ(std::vector<uint8_t>({255, 255, 255}), std::vector<uint8_t>(c, c + 3));
+      ASSERT_EQ(white, std::vector<uint8_t>(c, c + 3));
       const uint8_t* p = &card.pixels[(y * W + x) * 3];
-      std::vector<uint8_t> want = InRect(x, y) ? std::vector<uint8_t>({192, 128, 255})   // (255 + tint) / 2
-                                               : std::vector<uint8_t>({255, 255, 255});
-      EXPECT_EQ(want, std::vector<uint8_t>(p, p + 3)) << x << "," << y;
+      bool edge = x == 100 || x == 199 || y == 50 || y == 99;
+      bool hatch = (x + 6 - y % 6) % 6 < 2;   // UV lines run down to the right
+      bool marked = InRect(x, y) && (edge || hatch);
+      bool colourBlock = (x / 3 + y / 3) % 2 == 0;
+      EXPECT_EQ(marked && colourBlock ? violet : white, std::vector<uint8_t>(p, p + 3)) << x << "," << y;
     }
   }
+  const uint8_t* hatchDot = &card.pixels[(75 * W + 154) * 3];   // inside, on a line, in a violet block
+  EXPECT_EQ(violet, std::vector<uint8_t>(hatchDot, hatchDot + 3));
 }

@@ -8,7 +8,9 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <vector>
 
+#include "job_split.h"
 #include "job_text.h"
 #include "jobstream/stream_reader.h"
 #include "panel_png.h"
@@ -31,14 +33,23 @@ static const char USAGE[] =
     "  OK: ...                  a complete job\n"
     "  CUT: ...                 well-formed but stops before ICMD_ENDJOB (a cancelled job)\n"
     "  ERROR at offset N: ...   the first violation; nothing after it is read\n"
+    "\n"
+    "A capture of several jobs sent back to back (each ICMD_ENDJOB followed by the\n"
+    "next ICMD_STARTJOB, as when one print request holds several documents) is\n"
+    "reported job by job: a line \"JOB J of N at offset X, B bytes\" before each job's\n"
+    "records and verdict; offsets count from the start of the capture.\n"
+    "\n"
     "Options:\n"
     "  -p, --png DIR   write every panel as a PNG into DIR (created if missing), named\n"
-    "                  side<S>-panel<I>-<color|k|uv|po>.png; colour panels as RGB,\n"
+    "                  side<S>-panel<I>-<color|k|uv|po>.png (job<J>-side... for the\n"
+    "                  jobs of a capture of several); colour panels as RGB,\n"
     "                  one-byte panels as grey 255 - value (applied dots show dark)\n"
     "  -c, --chunks    list every ICMD_IMAGE record instead of one summary per image\n"
-    "  -q, --quiet     print only the verdict\n"
+    "  -q, --quiet     print only the verdict (and the JOB lines of a capture)\n"
     "  -h, --help      show this text\n"
-    "Exit status: 0 complete, 1 malformed, 2 usage or input/output failure, 3 cut short.\n";
+    "\n"
+    "Exit status: 0 complete, 1 malformed, 2 usage or input/output failure, 3 cut short.\n"
+    "A capture of several jobs exits 1 when one of them is malformed, else as its last job.\n";
 
 static const struct option LONG_OPTIONS[] = {
     {"png", required_argument, nullptr, 'p'}, {"chunks", no_argument, nullptr, 'c'},
@@ -60,7 +71,8 @@ static bool Dump_ReadInput(const std::string& path, std::string* bytes) {
 
 // 'Dump_WritePanels()' - Write every panel that holds rows into dir and
 // list the files.  False when one cannot be written.
-static bool Dump_WritePanels(const std::string& dir, const TStreamCheck& check, bool quiet) {
+static bool Dump_WritePanels(const std::string& dir, const TStreamCheck& check, const std::string& prefix,
+                             bool quiet) {
   struct stat st;
   if (mkdir(dir.c_str(), 0755) != 0 && errno != EEXIST) {
     fprintf(stderr, "brellian-jobdump: cannot create %s: %s\n", dir.c_str(), strerror(errno));
@@ -73,7 +85,7 @@ static bool Dump_WritePanels(const std::string& dir, const TStreamCheck& check, 
   for (const TStreamPanel& panel : check.panels) {
     if (panel.rows == 0) continue;
     std::string path;
-    if (!Dump_WritePanelPng(dir, panel, &path)) {
+    if (!Dump_WritePanelPng(dir, panel, &path, prefix)) {
       fprintf(stderr, "brellian-jobdump: cannot write %s\n", path.c_str());
       return false;
     }
@@ -105,15 +117,24 @@ int main(int argc, char** argv) {
   std::string bytes;
   if (!Dump_ReadInput(optind < argc ? argv[optind] : "", &bytes)) return DUMP_FAILED;
 
-  TStreamCheck check;
-  Stream_Read(bytes, &check);
-  if (!quiet)
-    for (const std::string& line : Dump_Listing(check, eachChunk)) puts(line.c_str());
-  std::string verdict = Dump_Verdict(check);
-  puts(verdict.c_str());
-  if (!check.ok) fprintf(stderr, "brellian-jobdump: %s\n", verdict.c_str());
-  fflush(stdout);
-  if (!pngDir.empty() && !Dump_WritePanels(pngDir, check, quiet)) return DUMP_FAILED;
-  if (!check.ok) return DUMP_MALFORMED;
-  return check.complete ? DUMP_COMPLETE : DUMP_CUT;
+  std::vector<TJobSpan> spans = Dump_SplitJobs(bytes);
+  std::vector<TStreamCheck> checks = Dump_ReadJobs(bytes);
+  const bool several = spans.size() > 1;
+  for (size_t j = 0; j < checks.size(); ++j) {
+    const TStreamCheck& check = checks[j];
+    if (several)
+      printf("JOB %zu of %zu at offset %zu, %zu bytes\n", j + 1, spans.size(), spans[j].offset, spans[j].size);
+    if (!quiet)
+      for (const std::string& line : Dump_Listing(check, eachChunk)) puts(line.c_str());
+    std::string verdict = Dump_Verdict(check);
+    puts(verdict.c_str());
+    if (!check.ok) fprintf(stderr, "brellian-jobdump: %s\n", verdict.c_str());
+    fflush(stdout);
+    std::string prefix = several ? "job" + std::to_string(j + 1) + "-" : "";
+    if (!pngDir.empty() && !Dump_WritePanels(pngDir, check, prefix, quiet)) return DUMP_FAILED;
+  }
+  if (checks.size() < spans.size())
+    printf("NOT READ: jobs %zu to %zu, after the violation\n", checks.size() + 1, spans.size());
+  if (!checks.back().ok) return DUMP_MALFORMED;
+  return checks.back().complete ? DUMP_COMPLETE : DUMP_CUT;
 }

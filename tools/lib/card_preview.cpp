@@ -6,19 +6,30 @@
 
 #include "imaging/panel.h"
 #include "job_text.h"
-
-const uint8_t PREVIEW_UV_TINT[3] = {128, 0, 255};
-const uint8_t PREVIEW_PO_OUTLINE[3] = {0, 160, 0};
+#include "jobstream/records.h"
 
 namespace {
 
 // 'Preview_Byte()' - Byte i of a one-byte panel; 0 for rows not read.
 uint8_t Preview_Byte(const TStreamPanel& p, size_t i) { return i < p.pixels.size() ? p.pixels[i] : 0; }
 
-// 'Preview_Color()' - Copy the colour bytes that were read.
-void Preview_Color(const TStreamPanel& p, TCardPreview* out) {
+// 'Preview_SideLut()' - The lookup table sent for a side, table[c][v] for
+// channel c and byte v; the identity when the stream holds none.
+void Preview_SideLut(const TStreamCheck& check, int32_t side, uint8_t table[3][256]) {
+  for (int c = 0; c < 3; ++c)
+    for (int v = 0; v < 256; ++v) table[c][v] = static_cast<uint8_t>(v);
+  int32_t current = -1;
+  for (const TStreamRecord& rec : check.records) {
+    TStartSideFields fields;
+    if (Stream_DecodeStartSide(rec, &fields)) current = fields.side;
+    if (current == side && Stream_DecodeLUTTable(rec, table[0], table[1], table[2])) return;
+  }
+}
+
+// 'Preview_Color()' - Copy the colour bytes that were read through the table.
+void Preview_Color(const TStreamPanel& p, const uint8_t table[3][256], TCardPreview* out) {
   size_t n = std::min(p.pixels.size(), out->rgb.size());
-  std::copy(p.pixels.begin(), p.pixels.begin() + n, out->rgb.begin());
+  for (size_t i = 0; i < n; ++i) out->rgb[i] = table[i % 3][p.pixels[i]];
 }
 
 // 'Preview_Black()' - Darken by the black byte.
@@ -29,32 +40,40 @@ void Preview_Black(const TStreamPanel& p, TCardPreview* out) {
   }
 }
 
-// 'Preview_UV()' - Tint towards PREVIEW_UV_TINT by the UV byte.
-void Preview_UV(const TStreamPanel& p, TCardPreview* out) {
-  for (size_t i = 0; i < out->rgb.size(); ++i) {
-    uint32_t u = Preview_Byte(p, i / 3);
-    out->rgb[i] = static_cast<uint8_t>((out->rgb[i] * (510 - u) + PREVIEW_UV_TINT[i % 3] * u + 255) / 510);
-  }
-}
-
-// 'Preview_Overlay()' - Outline the overlay regions.
-void Preview_Overlay(const TStreamPanel& p, TCardPreview* out) {
-  const uint32_t w = out->width, h = out->height;
+// 'Preview_Region()' - Hatch the region of a UV or overlay panel and draw
+// its edge; the mark is listed once when the panel has any dot in it.
+void Preview_Region(const TStreamPanel& p, TPreviewMark mark, TCardPreview* out) {
+  const uint32_t w = out->width, h = out->height, unit = Preview_Unit(w);
   auto on = [&](uint32_t x, uint32_t y) { return Preview_Byte(p, static_cast<size_t>(y) * w + x) >= 128; };
+  bool any = false;
   for (uint32_t y = 0; y < h; ++y) {
     for (uint32_t x = 0; x < w; ++x) {
       if (!on(x, y)) continue;
+      any = true;
       bool edge = x == 0 || y == 0 || x == w - 1 || y == h - 1 || !on(x - 1, y) || !on(x + 1, y) ||
                   !on(x, y - 1) || !on(x, y + 1);
-      if (!edge) continue;
-      uint8_t* d = &out->rgb[(static_cast<size_t>(y) * w + x) * 3];
-      for (int c = 0; c < 3; ++c) d[c] = PREVIEW_PO_OUTLINE[c];
+      Preview_MarkDot(mark, unit, x, y, edge, &out->rgb[(static_cast<size_t>(y) * w + x) * 3]);
     }
   }
+  if (any && std::find(out->marks.begin(), out->marks.end(), mark) == out->marks.end()) out->marks.push_back(mark);
+}
+
+// 'Preview_TurnClockwise()' - Turn the picture 90 degrees clockwise: the
+// dot (x, y) of the result is the dot (y, height - 1 - x) of the picture.
+void Preview_TurnClockwise(TCardPreview* out) {
+  const uint32_t w = out->width, h = out->height;
+  std::vector<uint8_t> turned(out->rgb.size());
+  for (uint32_t y = 0; y < w; ++y)
+    for (uint32_t x = 0; x < h; ++x)
+      std::copy_n(&out->rgb[(static_cast<size_t>(h - 1 - x) * w + y) * 3], 3, &turned[(static_cast<size_t>(y) * h + x) * 3]);
+  out->rgb.swap(turned);
+  out->width = h;
+  out->height = w;
 }
 
 // 'Preview_Side()' - The composite of the panels of one side.
-TCardPreview Preview_Side(int32_t side, const std::vector<const TStreamPanel*>& panels) {
+TCardPreview Preview_Side(const TStreamCheck& check, int32_t side, const std::vector<const TStreamPanel*>& panels,
+                          bool portrait) {
   TCardPreview out;
   out.side = side;
   const TStreamPanel* base = panels[0];
@@ -66,6 +85,8 @@ TCardPreview Preview_Side(int32_t side, const std::vector<const TStreamPanel*>& 
   out.width = base->width;
   out.height = base->height;
   out.rgb.assign(static_cast<size_t>(out.width) * out.height * 3, 255);
+  uint8_t table[3][256];
+  Preview_SideLut(check, side, table);
   for (uint32_t type : {PANEL_COLOR, PANEL_K, PANEL_UV, PANEL_PO}) {
     for (const TStreamPanel* p : panels) {
       if (p->panelType != type) continue;
@@ -75,25 +96,27 @@ TCardPreview Preview_Side(int32_t side, const std::vector<const TStreamPanel*>& 
                               std::to_string(out.width) + " x " + std::to_string(out.height));
         continue;
       }
-      if (type == PANEL_COLOR) Preview_Color(*p, &out);
+      if (type == PANEL_COLOR) Preview_Color(*p, table, &out);
       else if (type == PANEL_K) Preview_Black(*p, &out);
-      else if (type == PANEL_UV) Preview_UV(*p, &out);
-      else Preview_Overlay(*p, &out);
+      else Preview_Region(*p, type == PANEL_UV ? MARK_UV : MARK_OVERLAY, &out);
     }
   }
+  if (portrait) Preview_TurnClockwise(&out);
+  out.cardHeight = out.height;
+  if (!out.marks.empty()) Preview_AppendLegend(out.marks, out.width, &out.height, &out.rgb);
   return out;
 }
 
 }  // namespace
 
 // 'Preview_Compose()' - Front, then back, for each side with panels.
-std::vector<TCardPreview> Preview_Compose(const TStreamCheck& check) {
+std::vector<TCardPreview> Preview_Compose(const TStreamCheck& check, bool portrait) {
   std::vector<TCardPreview> sides;
   for (int32_t side : {0, 1}) {
     std::vector<const TStreamPanel*> panels;
     for (const TStreamPanel& p : check.panels)
       if (p.side == side && p.width > 0 && p.height > 0 && p.panelType <= PANEL_PO) panels.push_back(&p);
-    if (!panels.empty()) sides.push_back(Preview_Side(side, panels));
+    if (!panels.empty()) sides.push_back(Preview_Side(check, side, panels, portrait));
   }
   return sides;
 }

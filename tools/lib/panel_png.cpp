@@ -20,8 +20,9 @@ std::vector<uint8_t> Dump_PanelImage(const TStreamPanel& panel) {
 }
 
 // 'Dump_WritePanelPng()' - Write the panel's picture as a PNG in dir.
-bool Dump_WritePanelPng(const std::string& dir, const TStreamPanel& panel, std::string* path) {
-  *path = dir + "/" + Dump_PanelFileName(panel);
+bool Dump_WritePanelPng(const std::string& dir, const TStreamPanel& panel, std::string* path,
+                        const std::string& prefix) {
+  *path = dir + "/" + prefix + Dump_PanelFileName(panel);
   if (panel.rows == 0 || panel.width == 0) return false;
   std::vector<uint8_t> image = Dump_PanelImage(panel);
   if (panel.bytesPerPixel == 3) return Png_WriteRGB(*path, panel.width, panel.rows, image.data());

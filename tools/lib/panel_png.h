@@ -19,6 +19,8 @@ std::string Dump_PanelFileName(const TStreamPanel& panel);
 std::vector<uint8_t> Dump_PanelImage(const TStreamPanel& panel);
 
 // 'Dump_WritePanelPng()' - Write the panel's picture into dir under its
-// file name; *path gets the full name.  False when the panel holds no rows
+// file name, preceded by prefix (e.g. "job2-" for the second job of a
+// capture); *path gets the full name.  False when the panel holds no rows
 // or the file cannot be written.
-bool Dump_WritePanelPng(const std::string& dir, const TStreamPanel& panel, std::string* path);
+bool Dump_WritePanelPng(const std::string& dir, const TStreamPanel& panel, std::string* path,
+                        const std::string& prefix = "");

@@ -24,8 +24,8 @@ constexpr int LUT_FILE = 3;    // a file could not be read or written
 
 static const char USAGE[] =
     "Usage: brellian-lut check FILE.csv...\n"
-    "       brellian-lut [-o FILE | --install NAME] identity\n"
-    "       brellian-lut [-o FILE | --install NAME] gamma G | R,G,B\n"
+    "   or: brellian-lut [-o FILE | --install NAME] identity\n"
+    "   or: brellian-lut [-o FILE | --install NAME] gamma G | R,G,B\n"
     "\n"
     "A colour lookup table file (" BRELLIAN_LUT_DIR "/NAME.csv, chosen by the job\n"
     "options LUT1-LUT3 through the names lut.1-lut.3 of the printer's settings) holds\n"
@@ -51,7 +51,9 @@ static const char USAGE[] =
     "\n"
     "Examples:\n"
     "  brellian-lut gamma 1.2 > lighter.csv   (then edit it and check it)\n"
+    "\n"
     "  brellian-lut check lighter.csv\n"
+    "\n"
     "  brellian-lut --install warm gamma 1.1,1,0.9; brellian-settings --serial AB12 set lut.1 warm\n"
     "\n"
     "Exit status: 0 done (every FILE usable), 1 a FILE is not usable, 2 bad arguments,\n"

@@ -7,8 +7,10 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "card_preview.h"
+#include "job_split.h"
 #include "job_text.h"
 #include "jobstream/stream_reader.h"
 #include "panel_png.h"
@@ -26,28 +28,38 @@ constexpr int PREVIEW_CUT = 3;        // well-formed but stops before ICMD_ENDJO
 constexpr size_t PREVIEW_MAX_STREAM_BYTES = 1024u * 1024u * 1024u;
 
 static const char USAGE[] =
-    "Usage: brellian-preview [-o DIR] [--panels] [FILE]\n"
+    "Usage: brellian-preview [options] [FILE]\n"
     "\n"
     "Read a job command stream (the filter's output) from FILE, or from standard input\n"
     "when FILE is missing or \"-\", and write what each card side will look like as one\n"
     "picture, DIR/side<S>-card.png (S 0 front, 1 back):\n"
-    "  1. the colour panel (RGB as sent) on a white card;\n"
+    "  1. the colour panel on a white card, each byte through the side's lookup table\n"
+    "     (the ICMD_LUTTABLE sent with the side; the identity for \"Firmware\");\n"
     "  2. the black (resin) panel over it: each channel c becomes\n"
     "     (c x (255 - k) + 127) / 255 for black byte k;\n"
-    "  3. the UV panel as a violet tint: c becomes (c x (510 - u) + T x u + 255) / 510\n"
-    "     for UV byte u, T = (128, 0, 255);\n"
-    "  4. the overlay panel as a green outline (0, 160, 0): dots of byte 128 or more on\n"
-    "     the edge of their region or of the card.\n"
-    "The panels are shown as they are sent, after any rotation of the job.\n"
+    "  3. the UV panel: its region (bytes of 128 or more) outlined and hatched with\n"
+    "     lines running down to the right, in violet (128, 0, 255) and white;\n"
+    "  4. the overlay panel: its region outlined and hatched with lines running up\n"
+    "     to the right, in green (0, 160, 0) and white.\n"
+    "The colours of the marks alternate in small blocks, so that they show on any\n"
+    "picture; between the hatch lines the picture is unchanged.  A side with UV or\n"
+    "overlay gets a legend band below the card: a swatch and the name of each mark.\n"
+    "The panels are shown as they are sent, after any rotation of the job; the\n"
+    "stream does not say whether the page was portrait, so give --portrait to turn\n"
+    "a portrait card upright again.  A capture of several jobs sent back to back\n"
+    "gives pictures job<J>-side<S>-card.png for each job J.\n"
     "\n"
     "Options:\n"
     "  -o, --output DIR  write the pictures into DIR (created if missing; default \".\")\n"
+    "  -P, --portrait    turn each card 90 degrees clockwise: a portrait page, which\n"
+    "                    the filter turned to lie on its side, is shown upright\n"
     "  -p, --panels      also write every panel as brellian-jobdump --png does\n"
     "  -q, --quiet       print nothing but errors\n"
     "  -h, --help        show this text\n"
     "\n"
     "Example:\n"
     "  rastertobrellian 1 user card 1 \"frontUV=Preset1\" page.ras > job.bin\n"
+    "\n"
     "  brellian-preview -o preview job.bin\n"
     "\n"
     "Exit status: 0 a complete job, 1 the stream breaks a rule (the sides read before\n"
@@ -62,11 +74,12 @@ static int Preview_Fail(const std::string& message) {
 
 // 'Preview_Write()' - The composites (and with panels every panel) of check
 // into dir.  False on the first file that cannot be written.
-static bool Preview_Write(const std::string& dir, const TStreamCheck& check, bool panels, bool quiet) {
-  for (const TCardPreview& side : Preview_Compose(check)) {
+static bool Preview_Write(const std::string& dir, const TStreamCheck& check, const std::string& prefix,
+                          bool portrait, bool panels, bool quiet) {
+  for (const TCardPreview& side : Preview_Compose(check, portrait)) {
     for (const std::string& note : side.skipped)
       fprintf(stderr, "brellian-preview: side %d: left out %s\n", static_cast<int>(side.side), note.c_str());
-    std::string path = dir + "/" + Preview_FileName(side.side);
+    std::string path = dir + "/" + prefix + Preview_FileName(side.side);
     if (!Png_WriteRGB(path, side.width, side.height, side.rgb.data())) {
       Preview_Fail("cannot write " + path);
       return false;
@@ -76,7 +89,7 @@ static bool Preview_Write(const std::string& dir, const TStreamCheck& check, boo
   for (const TStreamPanel& panel : check.panels) {
     if (!panels || panel.rows == 0) continue;
     std::string path;
-    if (!Dump_WritePanelPng(dir, panel, &path)) {
+    if (!Dump_WritePanelPng(dir, panel, &path, prefix)) {
       Preview_Fail("cannot write " + path);
       return false;
     }
@@ -90,16 +103,18 @@ int main(int argc, char** argv) {
   Tool_Init();
   static const struct option kOptions[] = {
       {"output", required_argument, nullptr, 'o'}, {"panels", no_argument, nullptr, 'p'},
+      {"portrait", no_argument, nullptr, 'P'},
       {"quiet", no_argument, nullptr, 'q'},        {"help", no_argument, nullptr, 'h'},
       {nullptr, 0, nullptr, 0},
   };
   std::string dir = ".";
-  bool panels = false, quiet = false;
+  bool panels = false, portrait = false, quiet = false;
   int c;
-  while ((c = getopt_long(argc, argv, "o:pqh", kOptions, nullptr)) != -1) {
+  while ((c = getopt_long(argc, argv, "o:pPqh", kOptions, nullptr)) != -1) {
     switch (c) {
       case 'o': dir = optarg; break;
       case 'p': panels = true; break;
+      case 'P': portrait = true; break;
       case 'q': quiet = true; break;
       case 'h': fputs(USAGE, stdout); return PREVIEW_COMPLETE;
       default: fputs(USAGE, stderr); return PREVIEW_FAILED;
@@ -117,12 +132,16 @@ int main(int argc, char** argv) {
   if (mkdir(dir.c_str(), 0755) != 0 && errno != EEXIST) return Preview_Fail("cannot create " + dir + ": " + strerror(errno));
   if (lstat(dir.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) return Preview_Fail(dir + " is not a directory");
 
-  TStreamCheck check;
-  Stream_Read(bytes, &check);
-  std::string verdict = Dump_Verdict(check);
-  if (!check.ok) fprintf(stderr, "brellian-preview: %s\n", verdict.c_str());
-  else if (!quiet) puts(verdict.c_str());
-  if (!Preview_Write(dir, check, panels, quiet)) return PREVIEW_FAILED;
-  if (!check.ok) return PREVIEW_MALFORMED;
-  return check.complete ? PREVIEW_COMPLETE : PREVIEW_CUT;
+  std::vector<TStreamCheck> checks = Dump_ReadJobs(bytes);
+  const bool several = Dump_SplitJobs(bytes).size() > 1;
+  for (size_t j = 0; j < checks.size(); ++j) {
+    const TStreamCheck& check = checks[j];
+    std::string verdict = (several ? "job " + std::to_string(j + 1) + ": " : std::string()) + Dump_Verdict(check);
+    if (!check.ok) fprintf(stderr, "brellian-preview: %s\n", verdict.c_str());
+    else if (!quiet) puts(verdict.c_str());
+    std::string prefix = several ? "job" + std::to_string(j + 1) + "-" : "";
+    if (!Preview_Write(dir, check, prefix, portrait, panels, quiet)) return PREVIEW_FAILED;
+  }
+  if (!checks.back().ok) return PREVIEW_MALFORMED;
+  return checks.back().complete ? PREVIEW_COMPLETE : PREVIEW_CUT;
 }

@@ -24,7 +24,7 @@ constexpr int SET_FILE = 3;      // a file could not be read or written
 
 static const char USAGE[] =
     "Usage: brellian-settings [--model MODEL] --serial SERIAL [--force] COMMAND [ARG...]\n"
-    "       brellian-settings --file PATH [--force] COMMAND [ARG...]\n"
+    "   or: brellian-settings --file PATH [--force] COMMAND [ARG...]\n"
     "\n"
     "Create and change the settings file of a printer: the resin and overlay area\n"
     "presets, the names of its lookup tables and UV images, the flag bytes, the\n"
@@ -67,7 +67,9 @@ static const char USAGE[] =
     "\n"
     "Examples:\n"
     "  brellian-settings --serial AB12 create\n"
+    "\n"
     "  brellian-settings --serial AB12 set resin.1.include.1 '5mm 5mm 50mm 30mm' flag.1 40\n"
+    "\n"
     "  brellian-settings --serial AB12 export > ab12.txt; brellian-settings --serial AB12 import ab12.txt\n"
     "\n"
     "Exit status: 0 done, 1 a value or the text was refused (nothing written), 2 bad\n"

@@ -24,10 +24,9 @@ constexpr int UV_FILE = 3;      // a file could not be read or written
 
 static const char USAGE[] =
     "Usage: brellian-uvimage --model MODEL [--fit MODE] to-raw PICTURE.png OUTPUT\n"
-    "       brellian-uvimage --model MODEL to-png UVFILE PICTURE.png\n"
-    "       brellian-uvimage --model MODEL [--fit MODE] [--serial SERIAL --preset N]\n"
-    "                        install PICTURE.png NAME\n"
-    "       brellian-uvimage --model MODEL check UVFILE\n"
+    "   or: brellian-uvimage --model MODEL to-png UVFILE PICTURE.png\n"
+    "   or: brellian-uvimage --model MODEL [--fit MODE] [--serial SERIAL --preset N] install PICTURE.png NAME\n"
+    "   or: brellian-uvimage --model MODEL check UVFILE\n"
     "\n"
     "A UV preset file is the UV panel of one card side as the filter sends it: the\n"
     "model's panel size W x H (1036 x 664 for models 1030 and 1035, 2072 x 1328 for\n"
@@ -60,7 +59,9 @@ static const char USAGE[] =
     "\n"
     "Examples:\n"
     "  brellian-uvimage --model 1030 --fit fit install logo.png logo.uv\n"
+    "\n"
     "  brellian-uvimage --model 1030 --serial AB12 --preset 1 install logo.png logo.uv\n"
+    "\n"
     "  brellian-uvimage --model 1060 to-png " BRELLIAN_CONF_DIR "/uv/logo.uv logo-check.png\n"
     "\n"
     "Exit status: 0 done, 1 the picture or file does not fit the model, 2 bad\n"
@@ -84,7 +85,7 @@ static int Uv_MakeRaw(const TUvArgs& a, const std::string& path, std::string* ra
   TPngImage rgb;
   std::string error;
   if (!Png_ReadRGB(path, &rgb, &error)) return Uv_Fail(UV_FILE, path + ": " + error);
-  TPanelGeometry g = g_panelGeometry[a.model];
+  TPanelGeometry g = Panel_ModelGeometry(a.model);
   std::vector<uint8_t> panel;
   if (!Uv_FromImage(rgb, g.width, g.height, a.fit, &panel, &error)) return Uv_Fail(UV_REFUSED, path + ": " + error);
   raw->assign(panel.begin(), panel.end());
@@ -93,7 +94,7 @@ static int Uv_MakeRaw(const TUvArgs& a, const std::string& path, std::string* ra
 
 // 'Uv_ReadRaw()' - A UV file as the filter reads it: at least W x H bytes.
 static int Uv_ReadRaw(const TUvArgs& a, const std::string& path, std::string* raw) {
-  TPanelGeometry g = g_panelGeometry[a.model];
+  TPanelGeometry g = Panel_ModelGeometry(a.model);
   size_t need = static_cast<size_t>(g.width) * g.height;
   if (File_ReadCapped(path.c_str(), 64u * 1024u * 1024u, raw) != 0)
     return Uv_Fail(UV_FILE, "cannot read " + path + ": " + strerror(errno));
@@ -136,7 +137,7 @@ static int Uv_Command(const TUvArgs& a, const std::string& cmd, int argc, char**
   int want = cmd == "check" ? 1 : 2;
   if (argc != want) return Uv_Fail(UV_USAGE, cmd + " takes " + (want == 1 ? "one operand" : "two operands"));
   std::string error, raw;
-  TPanelGeometry g = g_panelGeometry[a.model];
+  TPanelGeometry g = Panel_ModelGeometry(a.model);
   size_t need = static_cast<size_t>(g.width) * g.height;
   if (cmd == "to-raw") {
     if (int rc = Uv_MakeRaw(a, argv[0], &raw)) return rc;
