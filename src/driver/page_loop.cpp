@@ -15,6 +15,7 @@
 #include "driver/lifecycle.h"
 #include "driver/printing_task.h"
 #include "imaging/page_process.h"
+#include "imaging/page_warnings.h"
 #include "imaging/panel.h"
 #include "jobstream/framing.h"
 #include "log/log.h"
@@ -167,6 +168,7 @@ void TPrintingTask::run() {
     ++pageCount;
     fprintf(stderr, "PAGE: %d %d\n", page, static_cast<int>(header.NumCopies));
     Loop_ReadRows(this, raster, header, page);
+    if (!g_cancelJob && jobComplete) Warn_PageBeyondCard(this, page);
     if (!g_cancelJob && !jobComplete) Page_Process(this, &header);
     {
       TSignalBlock hold;   // no exit handler while the allocator is busy
@@ -177,6 +179,7 @@ void TPrintingTask::run() {
     if (g_cancelJob) cancelled = true;
   }
 
+  Warn_JobEnd(this, cancelled || g_cancelJob);
   if (!cancelled && !g_cancelJob) Loop_EndJob(this);
 
   if (raster) cupsRasterClose(raster);

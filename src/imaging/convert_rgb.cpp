@@ -6,6 +6,7 @@
 #include <cups/raster.h>
 
 #include "driver/printing_task.h"
+#include "imaging/page_warnings.h"
 #include "imaging/panel.h"
 #include "imaging/resample.h"
 #include "imaging/stages.h"
@@ -130,6 +131,7 @@ int32_t Image_CUPSToPrinterRGB(TPrintingTask* task, uint8_t** out) {
   uint32_t cw = fw < W ? fw : W, ch = fh < H ? fh : H;
   if (Image_BSplineResample(source, fw, fh, cw, ch, result, stride) != 0) {
     // No memory to resample with: place the page unscaled.
+    Warn_PageUnscaled(task, source.width, source.height);
     cw = source.width < W ? source.width : W;
     ch = source.height < H ? source.height : H;
     Image_CopySource(source, cw, ch, result, stride);

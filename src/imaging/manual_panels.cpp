@@ -8,6 +8,7 @@
 
 #include "driver/printing_task.h"
 #include "imaging/page_process.h"
+#include "imaging/page_warnings.h"
 #include "imaging/panel.h"
 #include "imaging/stages.h"
 #include "log/log.h"
@@ -49,6 +50,7 @@ int32_t Page_ProcessSubPage_POManual(TPrintingTask* task) {  // I - Job
   uint8_t* panel = static_cast<uint8_t*>(malloc(size ? size : 1));
   if (panel == nullptr) {
     Log_Write(LOG_ENTRYEXIT, "<<<< Page_ProcessSubPage_POManual[out of memory]");
+    Warn_PanelLeftOut(task, PANEL_PO);
     return PO_MANUAL_NO_MEMORY;
   }
   memset(panel, 0, size);
@@ -77,17 +79,21 @@ int32_t Page_ProcessSubPage_UVManual(TPrintingTask* task) {  // I - Job
   FILE* file = nullptr;
   if (access(path, F_OK) != 0) {
     Log_Write(LOG_ERROR, "Page_ProcessSubPage_UVManual --> file not found (%s)", path);
+    Warn_UVFileLeftOut(task, path);
   } else if ((file = File_FOpenRegular(path, "rb")) == nullptr) {
     Log_Write(LOG_ERROR, "Page_ProcessSubPage_UVManual --> unable to open file (%s)(%d)", path,
               errno);
+    Warn_UVFileLeftOut(task, path);
   } else {
     TPanelGeometry g = Panel_Geometry(task);
     const size_t size = static_cast<size_t>(g.width) * g.height;
     uint8_t* panel = static_cast<uint8_t*>(malloc(size ? size : 1));
     if (panel == nullptr) {
       Log_Write(LOG_ERROR, "Page_ProcessSubPage_UVManual --> out of memory");
+      Warn_PanelLeftOut(task, PANEL_UV);
     } else if (fread(panel, 1, size, file) < size) {
       Log_Write(LOG_ERROR, "Page_ProcessSubPage_UVManual --> unable to read file (%s)", path);
+      Warn_UVFileLeftOut(task, path);
       free(panel);
     } else {
       if (task->rotation(s) == 1) Image_Rotate180(task, panel, g.width, g.height, 1);

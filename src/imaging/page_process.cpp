@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "driver/printing_task.h"
+#include "imaging/page_warnings.h"
 #include "imaging/panel.h"
 #include "imaging/stages.h"
 #include "jobstream/framing.h"
@@ -147,7 +148,10 @@ int32_t Page_Process(TPrintingTask* task,                  // I - Job
   task->pageHeader = header;
 
   uint8_t* rgb = nullptr;
-  if (Image_CUPSToPrinterRGB(task, &rgb) != 0 || rgb == nullptr) return 1;
+  if (Image_CUPSToPrinterRGB(task, &rgb) != 0 || rgb == nullptr) {
+    Warn_PageNotConverted(task);
+    return 1;
+  }
 
   TPanelGeometry g = Panel_Geometry(task);
   int32_t s = task->sideIndex;

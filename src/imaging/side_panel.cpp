@@ -4,6 +4,7 @@
 
 #include "driver/printing_task.h"
 #include "imaging/page_process.h"
+#include "imaging/page_warnings.h"
 #include "imaging/panel.h"
 #include "jobstream/records.h"
 #include "log/log.h"
@@ -53,7 +54,10 @@ int32_t Page_PrintSidePanel(TPrintingTask* task,  // I - Job (output, side, mode
 }
 
 void Page_SendPanel(TPrintingTask* task, int32_t panelType, uint8_t* panel) {
-  if (panel == nullptr) return;
+  if (panel == nullptr) {
+    Warn_PanelLeftOut(task, panelType);  // the stage that should have made it ran out of memory
+    return;
+  }
   Page_PrintSidePanel(task, panelType, panel);
   free(panel);
 }

@@ -9,6 +9,7 @@
 
 #include "driver/printing_task.h"
 #include "imaging/page_process.h"
+#include "imaging/page_warnings.h"
 #include "imaging/panel.h"
 #include "imaging/stages.h"
 #include "log/log.h"
@@ -36,7 +37,8 @@ int32_t Page_ProcessSubPage_RGB(TPrintingTask* task,  // I - Job
   int32_t s = task->sideIndex;
   if (task->ribbon(s) == 3 && task->resin(s) > 0) {
     uint8_t* k = nullptr;
-    Image_StripToResin(task, rgb, &k);
+    // Without memory for its mask the resin panel comes back all 0.
+    if (Image_StripToResin(task, rgb, &k) != 0 && k != nullptr) Warn_PanelLeftOut(task, PANEL_K);
     Page_SendPanel(task, PANEL_K, k);
   }
   Log_Write(LOG_ENTRYEXIT, "<<<< Page_ProcessSubPage_RGB");

@@ -94,6 +94,28 @@ bool TOptionSource::Choice(const char* keyword, std::string* text, bool* custom)
   return true;
 }
 
+std::vector<std::pair<std::string, std::string>> TOptionSource::IgnoredTextValues(
+    const char* options) const {
+  std::vector<std::pair<std::string, std::string>> ignored;
+  if (!ppd_) return ignored;
+  cups_option_t* parsed = nullptr;
+  int count = cupsParseOptions(options ? options : "", 0, &parsed);
+  for (int i = 0; i < count; ++i) {
+    ppd_option_t* option = ppdFindOption(Ppd(ppd_), parsed[i].name);
+    ppd_coption_t* coption = option ? ppdFindCustomOption(Ppd(ppd_), parsed[i].name) : nullptr;
+    ppd_cparam_t* param = coption ? ppdFirstCustomParam(coption) : nullptr;
+    if (!param || (param->type != PPD_CUSTOM_STRING && param->type != PPD_CUSTOM_PASSWORD &&
+                   param->type != PPD_CUSTOM_PASSCODE))
+      continue;
+    const char* value = parsed[i].value ? parsed[i].value : "";
+    if (strncasecmp(value, "Custom.", 7) == 0 || value[0] == '{' || ppdFindChoice(option, value))
+      continue;
+    ignored.emplace_back(parsed[i].name, value);
+  }
+  cupsFreeOptions(count, parsed);
+  return ignored;
+}
+
 int32_t TOptionSource::ModelNumber() const { return ppd_ ? Ppd(ppd_)->model_number : 0; }
 
 void TOptionSource::Close() {

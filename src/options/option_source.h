@@ -4,6 +4,8 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
+#include <vector>
 
 // The only interface to the PPD; the libcups types stay inside
 // option_source.cpp.
@@ -28,6 +30,13 @@ class TOptionSource {
   // "Custom." followed by the custom text (*custom then true).  False when
   // the keyword has no marked choice or no PPD is open.
   bool Choice(const char* keyword, std::string* text, bool* custom) const;
+
+  // 'IgnoredTextValues()' - The options of the job's option string that name
+  // a text option of the PPD (one whose custom value is a string) with a
+  // value that is neither one of its choices nor a "Custom." value: libcups
+  // leaves such a value unmarked and the option keeps its default.  Each as
+  // its keyword and value, in the order given.
+  std::vector<std::pair<std::string, std::string>> IgnoredTextValues(const char* options) const;
 
   // 'ModelNumber()' - The PPD's *cupsModelNumber (0 when absent).
   int32_t ModelNumber() const;

@@ -87,4 +87,5 @@ void Opt_ReadAreas(TOptionContext* ctx) {
   Opt_ReadResinAreas(ctx, SIDE_BACK, ctx->task->backResin);
   Opt_ReadPOAreas(ctx, SIDE_FRONT, ctx->task->frontPO);
   Opt_ReadPOAreas(ctx, SIDE_BACK, ctx->task->backPO);
+  Warn_Areas(ctx);
 }

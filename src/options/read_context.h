@@ -7,6 +7,8 @@
 #include <string>
 
 #include "options/choice_tables.h"
+#include "options/lut_file.h"
+#include "options/mag.h"
 #include "options/settings.h"
 
 class TPrintingTask;
@@ -17,6 +19,7 @@ struct TOptionContext {
   TPrintingTask* task;
   TBrellianSettings settings;
   const TOptionSource* ppd;   // null when no PPD could be opened
+  bool settingsRead = false;  // the settings file was found and read
 };
 
 
@@ -56,3 +59,16 @@ void Opt_ReadMagTracks(TOptionContext* ctx);
 void Opt_ReadPlugin(TOptionContext* ctx);
 void Opt_ReadPrinterName(TOptionContext* ctx);
 void Opt_ReadCardEject(TOptionContext* ctx);
+
+// WARNING lines for the spooler about options the job asked for and won't
+// get (read_warnings.cpp).  They never write to the log.
+// 'Opt_PresetReason()' - Why the settings entry named entry is empty.
+std::string Opt_PresetReason(const TOptionContext* ctx, const std::string& entry);
+void Warn_Areas(const TOptionContext* ctx);                              // resin and overlay areas
+void Warn_IgnoredValues(const TOptionContext* ctx, const char* options);  // text options without "Custom."
+void Warn_MagTrack(int32_t track, const std::string& format, const std::string& data,
+                   const TMagTrack& result);
+void Warn_UVPreset(const TOptionContext* ctx, const char* keyword, int32_t uv, const std::string& name,
+                   const std::string& path);
+void Warn_LutTable(const TOptionContext* ctx, const char* keyword, int32_t code, const std::string& name,
+                   const std::string& path, int32_t rc, const TLutError& error);

@@ -61,6 +61,7 @@ void Opt_ReadMagTracks(TOptionContext* ctx) {
     if (!custom && Str_EqualNoCase(value.c_str(), "None")) value.clear();
     if (format.empty() || value.empty()) continue;
     Mag_EncodeTrack(t, format.c_str(), value.c_str(), &task->magTracks[t - 1]);
+    Warn_MagTrack(t, format, value, task->magTracks[t - 1]);
     if (task->magTracks[t - 1].format != 0) task->magEncode = 1;
   }
 }

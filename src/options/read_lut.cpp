@@ -26,12 +26,14 @@ int32_t Opt_ReadSideLUT(const TOptionContext* ctx, const char* keyword, uint8_t 
   int32_t rc = File_IsSafeName(name.c_str()) ? Lut_Load(path.c_str(), table, &error) : -1;
   if (rc == -1) {
     Log_Write(LOG_ERROR, "  LUT Table not found: (%s)", path.c_str());
+    Warn_LutTable(ctx, keyword, code, name, path, rc, error);
     return 0;
   }
   if (rc != 0) {
     Log_Write(LOG_ERROR, "  LUT Table not usable: (%s)(line %d: %s)", path.c_str(),
               static_cast<int>(error.line), error.reason);
     Lut_MakeIdentity(table);
+    Warn_LutTable(ctx, keyword, code, name, path, rc, error);
     return 0;
   }
   return code;

@@ -65,7 +65,7 @@ int32_t Job_ReadOptions(TPrintingTask* task, const char* options, const char* co
   ctx.task = task;
   ctx.ppd = nullptr;
   if (!task->modelName.empty() && !task->serialNumber.empty())
-    ctx.settings.Load(task->modelName.c_str(), task->serialNumber.c_str());
+    ctx.settingsRead = ctx.settings.Load(task->modelName.c_str(), task->serialNumber.c_str());
 
   const char* ppdPath = getenv("PPD");
   Log_Write(LOG_LOG, "PPD::[%s]", ppdPath && *ppdPath ? ppdPath : "NULL");
@@ -90,6 +90,7 @@ int32_t Job_ReadOptions(TPrintingTask* task, const char* options, const char* co
   Opt_ReadPlugin(&ctx);
   Opt_ReadPrinterName(&ctx);
   Opt_ReadCardEject(&ctx);
+  Warn_IgnoredValues(&ctx, options);
 
   source.Close();
   Log_Write(LOG_LOG, "<<<< PPD OPTIONS");

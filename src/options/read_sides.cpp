@@ -21,6 +21,7 @@ int32_t Opt_UVFile(const TOptionContext* ctx, const char* sideWord, int32_t uv, 
   const std::string& name = ctx->settings.uvNames[uv - 2];
   if (name.empty()) {
     Log_Write(LOG_LOG, "  %s: clear preset (file not defined)", sideWord);
+    Warn_UVPreset(ctx, sideWord, uv, name, std::string());
     return 0;
   }
   std::string candidate = std::string(BRELLIAN_CONF_DIR) + "/uv/" + name;
@@ -31,6 +32,7 @@ int32_t Opt_UVFile(const TOptionContext* ctx, const char* sideWord, int32_t uv, 
     return uv;
   }
   Log_Write(LOG_LOG, "  %s: clear preset (file not found)(%s)", sideWord, candidate.c_str());
+  Warn_UVPreset(ctx, sideWord, uv, name, candidate);
   return 0;
 }
 

@@ -114,7 +114,8 @@ class TPageTest : public ::testing::Test {
   std::vector<TStreamRecord> Records() { return Stream_Split(Bytes()); }
 
   // 'StopLog()' - End the capture; the log lines with their leading blanks
-  // (the line's space and the nesting indentation) removed.
+  // (the line's space and the nesting indentation) removed.  The spooler's
+  // WARNING lines go to warnLines instead.
   std::vector<std::string> StopLog() {
     if (!capturing) return logLines;
     capturing = false;
@@ -124,9 +125,15 @@ class TPageTest : public ::testing::Test {
       size_t end = text.find('\n', start);
       if (end == std::string::npos) end = text.size();
       std::string line = text.substr(start, end - start);
+      start = end + 1;
+      // The spooler's WARNING lines start the line; the log's lines start
+      // with a blank.
+      if (line.rfind("WARNING: ", 0) == 0) {
+        warnLines.push_back(line);
+        continue;
+      }
       size_t first = line.find_first_not_of(' ');
       logLines.push_back(first == std::string::npos ? std::string() : line.substr(first));
-      start = end + 1;
     }
     return logLines;
   }
@@ -146,6 +153,7 @@ class TPageTest : public ::testing::Test {
   size_t outSize = 0;
   bool capturing = false;
   std::vector<std::string> logLines;
+  std::vector<std::string> warnLines;
 };
 
 // 'Lines_Count()' - How often line occurs in lines.

@@ -210,3 +210,15 @@ bool Test_Contains(const std::vector<std::string>& lines, const std::string& lin
     if (l == line) return true;
   return false;
 }
+
+std::string Test_WithoutWarnings(const std::string& err) {
+  std::string rest;
+  size_t start = 0;
+  while (start < err.size()) {
+    size_t end = err.find('\n', start);
+    size_t next = end == std::string::npos ? err.size() : end + 1;
+    if (err.compare(start, 9, "WARNING: ") != 0) rest.append(err, start, next - start);
+    start = next;
+  }
+  return rest;
+}

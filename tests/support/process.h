@@ -72,5 +72,8 @@ void Test_SetLogLevelWord(const std::string& word);
 // 'Test_LogMessages()' - The filter's log lines without their time stamps
 // (the text after "YYMMDD HH:MM:SS ").
 std::vector<std::string> Test_LogMessages();
+// 'Test_WithoutWarnings()' - Standard error without the "WARNING: " lines
+// that name what a job asked for and did not get: the designed lines.
+std::string Test_WithoutWarnings(const std::string& err);
 // 'Test_Contains()' - True when lines holds line exactly.
 bool Test_Contains(const std::vector<std::string>& lines, const std::string& line);

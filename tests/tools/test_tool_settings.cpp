@@ -135,8 +135,8 @@ TEST_F(SettingsText, AreasTheFilterWouldReadAsNoAreaAreRefusedNamingTheValue) {
       {"1 2 3 4 5", "is not an area"},
       {"1 2 3 4 mmx", "is not an area"},
       {"123456789012345678901mm 1mm 1mm 1mm", "is not an area"},   // a token over 20 characters
-      {"0 0 0 0", "is an empty area: all four values are 0 dots at 300 dpi"},
-      {"0.001in 0mm 0px 0cm", "is an empty area: all four values are 0 dots at 300 dpi"},
+      {"0 0 0 0", "is no area: all four values are 0 dots at 300 dpi"},
+      {"0.001in 0mm 0px 0cm", "is no area: all four values are 0 dots at 300 dpi"},
   };
   for (const auto& b : bad) {
     EXPECT_FALSE(Set(&s, "po.7.keep.2", b.value, &error)) << b.value;

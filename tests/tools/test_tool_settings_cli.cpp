@@ -77,8 +77,9 @@ TEST_F(SettingsTool, RefusedValuesAreNamedAndLeaveTheFileAsItWas) {
             r.err);
   r = Run({"--file", file, "set", "po.3.keep.1", "0px 0px 0mm 0in"});
   EXPECT_EQ(1, r.status);
-  EXPECT_EQ("brellian-settings: po.3.keep.1: \"0px 0px 0mm 0in\" is an empty area: all four values are 0 dots "
-            "at 300 dpi\n",
+  EXPECT_EQ("brellian-settings: po.3.keep.1: \"0px 0px 0mm 0in\" is no area: all four values are 0 dots at 300 "
+            "dpi (a width or height of 0 reaches the card's edge, but four zeros mean no area; for the whole card "
+            "give a height past its edge, e.g. \"0 0 0 3in\", and an empty value clears the entry)\n",
             r.err);
   r = Run({"--file", file, "set", "flag.10", "2x"});
   EXPECT_EQ(1, r.status);
@@ -145,8 +146,10 @@ TEST_F(SettingsTool, APrinterFileIsNamedAsTheFilterLooksItUp) {
   TProcessResult r = Run({"--serial", "AB12", "path"});
   ASSERT_EQ(0, r.status) << r.err;
   EXPECT_EQ(BRELLIAN_SETTINGS_DIR "/brellian_br-1060_ab12.dat\n", r.out);
+  // The model chooses the checks, never the file: the filter reads the
+  // same file whatever the printer's model.
   r = Run({"--model", "1030", "--serial", "Q9", "path"});
-  EXPECT_EQ(BRELLIAN_SETTINGS_DIR "/brellian_br-1030_q9.dat\n", r.out);
+  EXPECT_EQ(BRELLIAN_SETTINGS_DIR "/brellian_br-1060_q9.dat\n", r.out);
   r = Run({"--serial", "a/b", "path"});
   EXPECT_EQ(3, r.status);
   EXPECT_EQ("brellian-settings: \"a/b\" can't name a settings file (1-64 bytes, no \"/\", no leading \".\", no "

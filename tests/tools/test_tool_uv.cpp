@@ -103,13 +103,20 @@ TEST_F(UvTool, SizesAreCheckedAgainstTheModel) {
   r = Test_RunProcess({UVIMAGE, "--model", "1030", "check", dir + "/short.raw"});
   EXPECT_EQ(1, r.status);
   EXPECT_EQ("brellian-uvimage: " + dir +
-                "/short.raw: 687903 bytes; model 1030 needs 1036 x 664 = 687904 (the filter would not print it)\n",
+                "/short.raw: 687903 bytes, but model 1030 takes exactly 1036 x 664 = 687904 (the filter would print "
+                "no UV)\n",
             r.err);
+  // A longer file would print its first bytes as rows of another width.
   Test_WriteFile(dir + "/long.raw", std::string(687905, '\0'));
   r = Test_RunProcess({UVIMAGE, "--model", "1030", "check", dir + "/long.raw"});
+  EXPECT_EQ(1, r.status);
+  EXPECT_EQ("", r.out);
+  EXPECT_EQ("brellian-uvimage: " + dir + "/long.raw: 687905 bytes, but model 1030 takes exactly 1036 x 664 = "
+            "687904 (the filter would print its first bytes as a garbled UV image)\n", r.err);
+  Test_WriteFile(dir + "/exact.raw", std::string(687904, '\0'));
+  r = Test_RunProcess({UVIMAGE, "--model", "1030", "check", dir + "/exact.raw"});
   EXPECT_EQ(0, r.status);
-  EXPECT_EQ(dir + "/long.raw: usable for model 1030 (1036 x 664)\n", r.out);
-  EXPECT_EQ("brellian-uvimage: " + dir + "/long.raw: 687905 bytes; the filter uses the first 687904\n", r.err);
+  EXPECT_EQ(dir + "/exact.raw: usable for model 1030 (1036 x 664)\n", r.out);
   EXPECT_EQ(2, Test_RunProcess({UVIMAGE, "check", dir + "/long.raw"}).status);   // no model
 }
 

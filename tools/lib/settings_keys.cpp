@@ -2,6 +2,7 @@
 // Copyright 2026 The rastertobrellian authors.
 #include "settings_keys.h"
 
+#include <cctype>
 #include <cerrno>
 #include <climits>
 #include <cstdio>
@@ -187,8 +188,19 @@ bool Settings_SetValue(TBrellianSettings* settings, const TSettingsKey& key, con
   return false;
 }
 
-// 'Settings_CheckArea()' - Split with the filter's reader, then parse at every
-// model resolution: a string that gives no area anywhere is refused.
+namespace {
+// The model whose resolution areas are checked at; 0 for every model.
+uint32_t g_settingsCheckModel = 0;
+}  // namespace
+
+// 'Settings_SetCheckModel()' - Remember the model for Settings_CheckArea.
+void Settings_SetCheckModel(uint32_t model) { g_settingsCheckModel = model; }
+
+// 'Settings_CheckArea()' - Split with the filter's reader, then parse at the
+// checked resolutions: a string that gives no area there is refused.  An
+// area of four zeros is no area to the filter (an include or peel-off area
+// of zeros is as if not given), while a single 0 width or height reaches
+// the panel's edge; the message says how to cover the whole card.
 std::string Settings_CheckArea(const std::string& text) {
   if (text.empty()) return "";
   char tokens[4][AREA_TOKEN_MAX + 1];
@@ -197,10 +209,26 @@ std::string Settings_CheckArea(const std::string& text) {
            "px, mm, cm, in or \", e.g. \"5mm 5mm 50mm 30mm\"";
   if (g_modelResolution.empty()) Panel_BuildTables();
   for (const auto& model : g_modelResolution) {
+    if (g_settingsCheckModel != 0 && model.first != g_settingsCheckModel) continue;
     TArea area;
     Area_Parse(&area, text.c_str(), model.second);
     if (Area_IsEmpty(&area))
-      return "is an empty area: all four values are 0 dots at " + std::to_string(model.second) + " dpi";
+      return "is no area: all four values are 0 dots at " + std::to_string(model.second) +
+             " dpi (a width or height of 0 reaches the card's edge, but four zeros mean no area; for the "
+             "whole card give a height past its edge, e.g. \"0 0 0 3in\", and an empty value clears the entry)";
   }
   return "";
+}
+
+// 'Settings_AreaNote()' - The last value's unit: when it has none the
+// filter reads it in inches.
+std::string Settings_AreaNote(const std::string& text) {
+  char tokens[4][AREA_TOKEN_MAX + 1];
+  if (text.empty() || Area_SplitValues(text.c_str(), tokens) != 4) return "";
+  std::string last = tokens[3];
+  if (last.empty() || !(isdigit(static_cast<unsigned char>(last.back())) || last.back() == '.')) return "";
+  if (strtod(last.c_str(), nullptr) == 0.0) return "";   // 0 is 0 in any unit
+  return "the last value \"" + last + "\" has no unit, so the filter reads it as " + last +
+         " inches (a value without a unit before it reads as dots); write \"" + last + "px\" for dots or give "
+         "its unit";
 }

@@ -2,6 +2,7 @@
 // Copyright 2026 The rastertobrellian authors.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -51,7 +52,16 @@ std::string Settings_GetValue(const TBrellianSettings& settings, const TSettings
 bool Settings_SetValue(TBrellianSettings* settings, const TSettingsKey& key, const std::string& value,
                        std::string* error);
 
+// 'Settings_SetCheckModel()' - Check areas at the resolution of model
+// (1030, 1035 or 1060) only; 0, the default, checks them at every model's.
+void Settings_SetCheckModel(uint32_t model);
+
 // 'Settings_CheckArea()' - Empty when text is an area string the filter
-// reads as a non-empty area at every model's resolution (or text is
+// reads as a non-empty area at the checked resolutions (or text is
 // empty); else why not.
 std::string Settings_CheckArea(const std::string& text);
+
+// 'Settings_AreaNote()' - Empty, or a note on an area string the filter
+// takes but probably not as meant: its last value has no unit and so reads
+// as inches, while a value without a unit before it reads as dots.
+std::string Settings_AreaNote(const std::string& text);

@@ -5,10 +5,12 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <strings.h>
 
 #include "atomic_file.h"
+#include "brellian_paths.h"
 #include "log/log.h"
 #include "status/tables.h"
 #include "util/safe_file.h"
@@ -75,4 +77,21 @@ int32_t Tool_LoadPrinterSettings(const std::string& model, const std::string& se
 // 'Tool_SaveSettingsFile()' - The file image, written safely.
 bool Tool_SaveSettingsFile(const std::string& path, const TBrellianSettings& settings, std::string* error) {
   return Tool_ReplaceFile(path, settings.SaveToBytes(), 0644, error);
+}
+
+// 'Tool_SetPresetName()' - Load the printer's file, set the entry.
+int Tool_SetPresetName(const std::string& serial, const TSettingsKey& key, const std::string& name,
+                       TBrellianSettings* settings, std::string* error) {
+  if (Tool_LoadPrinterSettings(Tool_SettingsModelName(), serial, settings, error) < 0) return 3;
+  return Settings_SetValue(settings, key, name, error) ? 0 : 1;
+}
+
+// 'Tool_SavePrinterSettings()' - The directories, the file, the report.
+bool Tool_SavePrinterSettings(const TBrellianSettings& settings, const TSettingsKey& key, std::string* error) {
+  mkdir(BRELLIAN_CONF_DIR, 0777);
+  mkdir(BRELLIAN_SETTINGS_DIR, 0777);
+  if (!Tool_SaveSettingsFile(settings.FilePath(), settings, error)) return false;
+  printf("set %s = %s in %s\n", Settings_KeyName(key).c_str(), Settings_GetValue(settings, key).c_str(),
+         settings.FilePath().c_str());
+  return true;
 }

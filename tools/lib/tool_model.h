@@ -6,6 +6,7 @@
 #include <string>
 
 #include "options/settings.h"
+#include "settings_keys.h"
 
 // 'Tool_Init()' - What every preset tool does first: build the start-up
 // tables (model names, panel geometry, resolutions) and silence the
@@ -32,6 +33,20 @@ int32_t Tool_LoadSettingsFile(const std::string& path, TBrellianSettings* settin
 // gives -1.
 int32_t Tool_LoadPrinterSettings(const std::string& model, const std::string& serial,
                                  TBrellianSettings* settings, std::string* error);
+
+// 'Tool_SetPresetName()' - For the tools that install a preset file: read
+// the settings file of the printer with serial (the file the filter reads;
+// a missing one gives empty settings) and set key (uv.N or lut.N) to name
+// with the usual checks.  0 done, 1 the name was refused, 3 the file can't
+// be read; *error says why.  Nothing is written: Tool_SavePrinterSettings
+// does that once the preset file itself is in place.
+int Tool_SetPresetName(const std::string& serial, const TSettingsKey& key, const std::string& name,
+                       TBrellianSettings* settings, std::string* error);
+
+// 'Tool_SavePrinterSettings()' - Write settings to their printer's file
+// (making the settings directories first) and print "set KEY = VALUE in
+// PATH".  False with *error on failure.
+bool Tool_SavePrinterSettings(const TBrellianSettings& settings, const TSettingsKey& key, std::string* error);
 
 // 'Tool_SaveSettingsFile()' - Write the settings in the file format to
 // path through Tool_ReplaceFile (mode 0644).  False with *error on failure.

@@ -24,8 +24,8 @@ constexpr int LUT_FILE = 3;    // a file could not be read or written
 
 static const char USAGE[] =
     "Usage: brellian-lut check FILE.csv...\n"
-    "   or: brellian-lut [-o FILE | --install NAME] identity\n"
-    "   or: brellian-lut [-o FILE | --install NAME] gamma G | R,G,B\n"
+    "   or: brellian-lut [-o FILE | --install NAME [--serial SERIAL --preset N]] identity\n"
+    "   or: brellian-lut [-o FILE | --install NAME [--serial SERIAL --preset N]] gamma G | R,G,B\n"
     "\n"
     "A colour lookup table file (" BRELLIAN_LUT_DIR "/NAME.csv, chosen by the job\n"
     "options LUT1-LUT3 through the names lut.1-lut.3 of the printer's settings) holds\n"
@@ -45,6 +45,8 @@ static const char USAGE[] =
     "Options (before the command):\n"
     "  -o, --output FILE   write the table to FILE instead of standard output\n"
     "      --install NAME  write it as " BRELLIAN_LUT_DIR "/NAME.csv\n"
+    "  -s, --serial SERIAL with --install: also set lut.N = NAME in the printer's settings\n"
+    "  -p, --preset N      file (brellian-settings names the same file), N 1-3\n"
     "  -h, --help          show this text\n"
     "\n"
     "Files are written to a temporary file, flushed and renamed into place.\n"
@@ -54,7 +56,7 @@ static const char USAGE[] =
     "\n"
     "  brellian-lut check lighter.csv\n"
     "\n"
-    "  brellian-lut --install warm gamma 1.1,1,0.9; brellian-settings --serial AB12 set lut.1 warm\n"
+    "  brellian-lut --install warm --serial AB12 --preset 1 gamma 1.1,1,0.9\n"
     "\n"
     "Exit status: 0 done (every FILE usable), 1 a FILE is not usable, 2 bad arguments,\n"
     "3 a file could not be read or written.\n";
@@ -110,14 +112,22 @@ int main(int argc, char** argv) {
   Tool_Init();
   static const struct option kOptions[] = {
       {"output", required_argument, nullptr, 'o'}, {"install", required_argument, nullptr, 'I'},
+      {"serial", required_argument, nullptr, 's'}, {"preset", required_argument, nullptr, 'p'},
       {"help", no_argument, nullptr, 'h'},         {nullptr, 0, nullptr, 0},
   };
-  std::string output, install;
+  std::string output, install, serial;
+  int preset = 0;
   int c;
-  while ((c = getopt_long(argc, argv, "+o:h", kOptions, nullptr)) != -1) {
+  while ((c = getopt_long(argc, argv, "+o:s:p:h", kOptions, nullptr)) != -1) {
     switch (c) {
       case 'o': output = optarg; break;
       case 'I': install = optarg; break;
+      case 's': serial = optarg; break;
+      case 'p':
+        // The job options name LUT1-LUT3: the filter reads lut.1-lut.3 only.
+        preset = strlen(optarg) == 1 && optarg[0] >= '1' && optarg[0] <= '3' ? optarg[0] - '0' : -1;
+        if (preset < 0) return Lut_ToolFail(LUT_USAGE, std::string("--preset \"") + optarg + "\" is not 1 to 3");
+        break;
       case 'h': fputs(USAGE, stdout); return LUT_OK;
       default: fputs(USAGE, stderr); return LUT_USAGE;
     }
@@ -126,6 +136,8 @@ int main(int argc, char** argv) {
   std::string cmd = argv[optind];
   int nargs = argc - optind - 1;
   char** args = argv + optind + 1;
+  if (serial.empty() != (preset == 0) || (!serial.empty() && (install.empty() || cmd == "check")))
+    return Lut_ToolFail(LUT_USAGE, "--serial and --preset go together, with --install");
   if (cmd == "check") return Lut_Check(nargs, args);
   uint8_t table[3][LUT_ENTRIES];
   std::string comment;
@@ -143,9 +155,15 @@ int main(int argc, char** argv) {
   if (!output.empty() && !install.empty()) return Lut_ToolFail(LUT_USAGE, "give -o or --install, not both");
   std::string text = Lut_Format(table, comment.c_str());
   std::string error;
+  TBrellianSettings settings;
+  const TSettingsKey key{SETKEY_LUT_NAME, 0, 0, preset - 1};
   if (!install.empty()) {
     if (!File_IsSafeName(install.c_str()))
       return Lut_ToolFail(LUT_USAGE, "\"" + install + "\" is not a plain file name");
+    if (!serial.empty()) {
+      int rc = Tool_SetPresetName(serial, key, install, &settings, &error);
+      if (rc != 0) return Lut_ToolFail(rc == 1 ? LUT_BAD : LUT_FILE, error);
+    }
     mkdir(BRELLIAN_CONF_DIR, 0777);
     mkdir(BRELLIAN_LUT_DIR, 0777);
     output = std::string(BRELLIAN_LUT_DIR "/") + install + ".csv";
@@ -153,6 +171,8 @@ int main(int argc, char** argv) {
   if (output.empty() || output == "-")
     return Tool_WriteAll(stdout, text) ? LUT_OK : Lut_ToolFail(LUT_FILE, "cannot write standard output");
   if (!Tool_ReplaceFile(output, text, 0644, &error)) return Lut_ToolFail(LUT_FILE, error);
-  if (!install.empty()) printf("installed %s\n", output.c_str());
-  return LUT_OK;
+  if (install.empty()) return LUT_OK;
+  printf("installed %s\n", output.c_str());
+  if (serial.empty()) return LUT_OK;
+  return Tool_SavePrinterSettings(settings, key, &error) ? LUT_OK : Lut_ToolFail(LUT_FILE, error);
 }

@@ -7,13 +7,13 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "brellian_paths.h"
 #include "settings_keys.h"
 #include "settings_text.h"
 #include "tool_file.h"
 #include "tool_model.h"
-#include "status/tables.h"
 #include "util/safe_file.h"
 
 // Exit statuses.
@@ -24,7 +24,7 @@ constexpr int SET_FILE = 3;      // a file could not be read or written
 
 static const char USAGE[] =
     "Usage: brellian-settings [--model MODEL] --serial SERIAL [--force] COMMAND [ARG...]\n"
-    "   or: brellian-settings --file PATH [--force] COMMAND [ARG...]\n"
+    "   or: brellian-settings [--model MODEL] --file PATH [--force] COMMAND [ARG...]\n"
     "\n"
     "Create and change the settings file of a printer: the resin and overlay area\n"
     "presets, the names of its lookup tables and UV images, the flag bytes, the\n"
@@ -34,10 +34,11 @@ static const char USAGE[] =
     "Options (before COMMAND):\n"
     "  -s, --serial SERIAL  the printer's serial number (the part of DEVICE_URI after\n"
     "                       \"?serial=\"); the file is " BRELLIAN_SETTINGS_DIR "/\n"
-    "                       brellian_<model>_<serial>.dat with both names lower-cased\n"
-    "  -m, --model MODEL    model name in the file name: 1030, 1035, 1060 or a display\n"
-    "                       name; default BR-1060, the name under which the filter looks\n"
-    "                       up every printer's settings\n"
+    "                       brellian_br-1060_<serial>.dat, the serial lower-cased\n"
+    "  -m, --model MODEL    the printer's model (1030, 1035, 1060 or its display name):\n"
+    "                       areas are checked at its resolution only (default: at every\n"
+    "                       model's).  The file is the same for every model: the filter\n"
+    "                       looks each printer's settings up under the name BR-1060\n"
     "  -f, --file PATH      work on the settings file at PATH instead\n"
     "      --force          let \"create\" replace an existing file\n"
     "  -h, --help           show this text\n"
@@ -60,7 +61,8 @@ static const char USAGE[] =
     "cm, in or \"), lut.N and uv.N (N 1-5; file names), flag.N (N 1-10; 0-255; flag.1 and\n"
     "flag.2 are the front and back resin thresholds), plugin, card-thickness (unset,\n"
     "standard, thin), mag-po-mode (unset, disabled, enabled).  Every area is checked with\n"
-    "the filter's own area reader; one the filter would read as no area is refused.\n"
+    "the filter's own area reader; one the filter would read as no area is refused, and\n"
+    "an area whose last value has no unit (read as inches) is noted on standard error.\n"
     "\n"
     "Files are written to a temporary file in the same directory, flushed to disk and\n"
     "renamed over the old file: an interrupted write leaves the old file as it was.\n"
@@ -109,6 +111,16 @@ static int Set_Save(const TSettingsTarget& t, const TBrellianSettings& s) {
   return SET_OK;
 }
 
+// 'Set_NoteAreas()' - A warning on standard error for each area value of
+// keys that the filter takes but probably not as meant.
+static void Set_NoteAreas(const TBrellianSettings& s, const std::vector<TSettingsKey>& keys) {
+  for (const TSettingsKey& key : keys) {
+    if (key.kind != SETKEY_RESIN_AREA && key.kind != SETKEY_PO_AREA) continue;
+    std::string note = Settings_AreaNote(Settings_GetValue(s, key));
+    if (!note.empty()) fprintf(stderr, "brellian-settings: warning: %s: %s\n", Settings_KeyName(key).c_str(), note.c_str());
+  }
+}
+
 // 'Set_Command()' - Run one command on the target.
 static int Set_Command(TSettingsTarget* t, bool force, const std::string& cmd, int argc, char** argv) {
   if (cmd == "keys") {
@@ -130,13 +142,17 @@ static int Set_Command(TSettingsTarget* t, bool force, const std::string& cmd, i
   }
   if (cmd == "set") {
     if (argc == 0 || argc % 2 != 0) return Set_Fail(SET_USAGE, "set takes pairs of KEY and VALUE");
+    std::vector<TSettingsKey> keys;
     for (int i = 0; i < argc; i += 2) {
       TSettingsKey key;
       if (!Settings_FindKey(argv[i], &key))
         return Set_Fail(SET_REFUSED, std::string("unknown key \"") + argv[i] + "\" (\"keys\" lists them)");
       if (!Settings_SetValue(&s, key, argv[i + 1], &error)) return Set_Fail(SET_REFUSED, error);
+      keys.push_back(key);
     }
-    return Set_Save(*t, s);
+    int rc = Set_Save(*t, s);
+    if (rc == SET_OK) Set_NoteAreas(s, keys);
+    return rc;
   }
   if (cmd == "import") {
     if (argc != 1) return Set_Fail(SET_USAGE, "import takes one TEXT file");
@@ -145,7 +161,9 @@ static int Set_Command(TSettingsTarget* t, bool force, const std::string& cmd, i
                                           : File_ReadCapped(argv[0], SETTINGS_FILE_MAX, &text) == 0;
     if (!read) return Set_Fail(SET_FILE, std::string("cannot read ") + argv[0] + ": " + strerror(errno));
     if (!Settings_FromText(text, &s, &error)) return Set_Fail(SET_REFUSED, std::string(argv[0]) + ": " + error);
-    return Set_Save(*t, s);
+    int rc = Set_Save(*t, s);
+    if (rc == SET_OK) Set_NoteAreas(s, Settings_AllKeys());
+    return rc;
   }
   if (cmd != "show" && cmd != "export") return Set_Fail(SET_USAGE, "unknown command \"" + cmd + "\"");
   if (loaded == 1) return Set_Fail(SET_FILE, "no settings file " + t->path + " (\"create\" makes one)");
@@ -192,9 +210,12 @@ int main(int argc, char** argv) {
   bool needsTarget = cmd != "keys";
   if (needsTarget && target.serial.empty() == target.path.empty())
     return Set_Fail(SET_USAGE, "give either --serial or --file");
-  if (!target.path.empty() && !model.empty()) return Set_Fail(SET_USAGE, "--model goes with --serial, not --file");
-  uint32_t id;
-  target.model = model.empty() ? Tool_SettingsModelName()
-                               : (Tool_ParseModel(model, &id) ? std::string(Status_ModelName(id)) : model);
+  // The model chooses the checks only: every printer's file carries the
+  // name the filter looks it up by.
+  uint32_t id = 0;
+  if (!model.empty() && !Tool_ParseModel(model, &id))
+    return Set_Fail(SET_USAGE, "--model must be 1030, 1035, 1060 or a model's display name");
+  Settings_SetCheckModel(id);
+  target.model = Tool_SettingsModelName();
   return Set_Command(&target, force, cmd, argc - optind - 1, argv + optind + 1);
 }

@@ -40,10 +40,11 @@ static const char USAGE[] =
     "Commands:\n"
     "  to-raw PICTURE OUTPUT  write the UV file of PICTURE to OUTPUT (\"-\": standard output)\n"
     "  to-png UVFILE PICTURE  write the UV file as a grey picture: 255 minus each byte,\n"
-    "                         so UV dots show black (a longer file: its first W x H bytes)\n"
+    "                         so UV dots show black\n"
     "  install PICTURE NAME   write the UV file of PICTURE as " BRELLIAN_CONF_DIR "/uv/NAME,\n"
     "                         the name a settings file's uv.N refers to\n"
-    "  check UVFILE           say whether the filter can use UVFILE for the model\n"
+    "  check UVFILE           say whether the filter can use UVFILE for the model: it\n"
+    "                         must be exactly the model's W x H bytes\n"
     "\n"
     "Options (before the command):\n"
     "  -m, --model MODEL   1030, 1035, 1060 or a model's display name (required)\n"
@@ -92,17 +93,28 @@ static int Uv_MakeRaw(const TUvArgs& a, const std::string& path, std::string* ra
   return UV_OK;
 }
 
-// 'Uv_ReadRaw()' - A UV file as the filter reads it: at least W x H bytes.
+// 'Uv_ReadRaw()' - A UV file of exactly the model's panel.  The filter
+// refuses a shorter file and reads the first W x H bytes of a longer one,
+// which are then rows of another width: a file of another size is always
+// the wrong file for the model, and is refused.
 static int Uv_ReadRaw(const TUvArgs& a, const std::string& path, std::string* raw) {
   TPanelGeometry g = Panel_ModelGeometry(a.model);
   size_t need = static_cast<size_t>(g.width) * g.height;
   if (File_ReadCapped(path.c_str(), 64u * 1024u * 1024u, raw) != 0)
     return Uv_Fail(UV_FILE, "cannot read " + path + ": " + strerror(errno));
-  if (raw->size() < need)
-    return Uv_Fail(UV_REFUSED, path + ": " + std::to_string(raw->size()) + " bytes; model " + std::to_string(a.model) +
-                                   " needs " + std::to_string(g.width) + " x " + std::to_string(g.height) + " = " +
-                                   std::to_string(need) + " (the filter would not print it)");
-  return UV_OK;
+  if (raw->size() == need) return UV_OK;
+  std::string other;
+  for (const auto& entry : g_panelGeometry) {
+    if (static_cast<size_t>(entry.second.width) * entry.second.height == raw->size() && other.empty())
+      other = " (the size of the " + std::to_string(entry.second.width) + " x " + std::to_string(entry.second.height) +
+              " panel of model " + std::to_string(entry.first) + ")";
+  }
+  return Uv_Fail(UV_REFUSED, path + ": " + std::to_string(raw->size()) + " bytes" + other + ", but model " +
+                                 std::to_string(a.model) + " takes exactly " + std::to_string(g.width) + " x " +
+                                 std::to_string(g.height) + " = " + std::to_string(need) +
+                                 (raw->size() < need ? " (the filter would print no UV)"
+                                                     : " (the filter would print its first bytes as a garbled UV "
+                                                       "image)"));
 }
 
 // 'Uv_Install()' - Write the UV file as BRELLIAN_CONF_DIR/uv/name; with a
@@ -112,11 +124,10 @@ static int Uv_Install(const TUvArgs& a, const std::string& picture, const std::s
     return Uv_Fail(UV_USAGE, "\"" + name + "\" is not a plain file name (no \"/\", no leading \".\")");
   TBrellianSettings settings;
   std::string error;
+  const TSettingsKey key{SETKEY_UV_NAME, 0, 0, a.preset - 1};
   if (!a.serial.empty()) {
-    if (Tool_LoadPrinterSettings(Tool_SettingsModelName(), a.serial, &settings, &error) < 0)
-      return Uv_Fail(UV_FILE, error);
-    TSettingsKey key{SETKEY_UV_NAME, 0, 0, a.preset - 1};
-    if (!Settings_SetValue(&settings, key, name, &error)) return Uv_Fail(UV_REFUSED, error);
+    int rc = Tool_SetPresetName(a.serial, key, name, &settings, &error);
+    if (rc != 0) return Uv_Fail(rc == 1 ? UV_REFUSED : UV_FILE, error);
   }
   std::string raw;
   if (int rc = Uv_MakeRaw(a, picture, &raw)) return rc;
@@ -126,10 +137,7 @@ static int Uv_Install(const TUvArgs& a, const std::string& picture, const std::s
   if (!Tool_ReplaceFile(path, raw, 0644, &error)) return Uv_Fail(UV_FILE, error);
   printf("installed %s\n", path.c_str());
   if (a.serial.empty()) return UV_OK;
-  mkdir(BRELLIAN_SETTINGS_DIR, 0777);
-  if (!Tool_SaveSettingsFile(settings.FilePath(), settings, &error)) return Uv_Fail(UV_FILE, error);
-  printf("set uv.%d = %s in %s\n", a.preset, name.c_str(), settings.FilePath().c_str());
-  return UV_OK;
+  return Tool_SavePrinterSettings(settings, key, &error) ? UV_OK : Uv_Fail(UV_FILE, error);
 }
 
 // 'Uv_Command()' - Run one command with its two (or one) operands.
@@ -149,8 +157,6 @@ static int Uv_Command(const TUvArgs& a, const std::string& cmd, int argc, char**
   }
   if (cmd == "install") return Uv_Install(a, argv[0], argv[1]);
   if (int rc = Uv_ReadRaw(a, argv[0], &raw)) return rc;
-  if (raw.size() > need)
-    fprintf(stderr, "brellian-uvimage: %s: %zu bytes; the filter uses the first %zu\n", argv[0], raw.size(), need);
   if (cmd == "check") {
     printf("%s: usable for model %u (%u x %u)\n", argv[0], a.model, g.width, g.height);
     return UV_OK;
