@@ -6,8 +6,11 @@ include(GNUInstallDirs)
 install(FILES ${CMAKE_SOURCE_DIR}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}
         PATTERN "man" EXCLUDE)
-# The PPD source, for administrators who generate their own PPD files.
-install(FILES ${CMAKE_SOURCE_DIR}/ppd/brellian.drv DESTINATION ${CUPS_DATADIR}/drv)
+# The PPD source, for administrators who generate their own PPD files.  It
+# goes with the documentation, not into the spooler's drv directory: the
+# spooler lists every model of a .drv file there, so each model would be
+# offered twice, once from it and once from the installed PPD files.
+install(FILES ${CMAKE_SOURCE_DIR}/ppd/brellian.drv DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 include(${CMAKE_SOURCE_DIR}/packaging/man.cmake)
 

@@ -63,10 +63,21 @@ chroot "$m" /bin/bash -s <<'CHROOT'
 set -euo pipefail
 trap 'echo "check-package: failed at line $LINENO of the check"; tail -n 30 /var/log/cups/error_log 2>/dev/null || true' ERR
 # A machine that never had the driver: no earlier install, no presets.
-rm -rf /etc/brellian /var/log/brellian /usr/lib/cups/filter/rastertobrellian /usr/lib/cups/filter/pdftobrellian /usr/lib/cups/filter/texttobrellian /usr/share/ppd/brellian
+rm -rf /etc/brellian /var/log/brellian /usr/lib/cups/filter/rastertobrellian /usr/share/ppd/brellian \
+       /usr/lib/cups/filter/pdftobrellian /usr/lib/cups/filter/texttobrellian \
+       /usr/lib/cups/backend/usbbr /usr/share/cups/drv/brellian.drv
 dpkg -i /tmp/package.deb >/dev/null
 test -x /usr/lib/cups/filter/rastertobrellian
 test -x /usr/lib/cups/filter/pdftobrellian -a -x /usr/lib/cups/filter/texttobrellian
+# The USB backend runs as root: owned by root, mode 0700.
+test "$(stat -c '%U %a' /usr/lib/cups/backend/usbbr)" = "root 700"
+# The installed backend has no stand-in hook: it always runs the spooler's usb backend.
+cat > /tmp/usb-standin <<'EOF2'
+#!/bin/sh
+echo 'direct usb://Brellian/BR-1060?serial=X "B" "B" "MFG:Brellian;MDL:BR-1060;" ""'
+EOF2
+chmod 755 /tmp/usb-standin
+test -z "$(BRELLIAN_USBBR_LOWER=/tmp/usb-standin /usr/lib/cups/backend/usbbr 2>/dev/null)"
 test -f /usr/share/ppd/brellian/br1060.ppd
 test "$(stat -c %U /var/log/brellian)" = lp
 test -d /etc/brellian/settings -a -d /etc/brellian/uv -a -d /etc/brellian/lut
@@ -107,6 +118,11 @@ export CUPS_SERVER=/tmp/cups.sock
 # The spooler may take a while to answer on a busy machine.
 for i in $(seq 600); do lpstat -r 2>/dev/null | grep -q "is running" && break; sleep 0.1; done
 lpstat -r | grep -q "is running"
+# Each model is offered once, and a printer's device ID finds its PPD file.
+for m in 1030 1035 1060; do
+  test "$(lpinfo -m | grep -c "Brellian BR-$m")" = 1
+  lpinfo --device-id "MFG:Brellian;MDL:BR-$m;CLS:PRINTER;SERN:X;" -m | head -n 1 | grep -q "brellian/br$m.ppd "
+done
 lpadmin -p cards -E -v 'capture:/tmp/out/job.bin' -P /usr/share/ppd/brellian/br1060.ppd 2>&1 \
   | { grep -v 'drivers are deprecated' || true; }
 lp -d cards -t 'Package check' -o frontRibbon=ColorK -o frontResin=Preset1 -o Duplex=DuplexNoTumble \

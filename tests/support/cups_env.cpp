@@ -111,8 +111,62 @@ TTestSpooler::~TTestSpooler() {
   }
 }
 
+void TTestSpooler::SetEnv(const std::string& name, const std::string& value) {
+  extraConf_ += "SetEnv " + name + " " + value + "\n";
+}
+
+void TTestSpooler::AddBackend(const std::string& name, const std::string& program, mode_t mode) {
+  backends_ += name + "\t" + program + "\t" + std::to_string(mode) + "\n";
+}
+
+void TTestSpooler::AddModels(const std::string& name, const std::string& dir) {
+  models_ += name + "\t" + dir + "\n";
+}
+
+// 'Cups_MakeDataDir()' - A DataDir under dir that links every entry of the
+// system's but model/, whose own model/ links the system's models and the
+// given "name\tdir" lines.  Returns its path.
+static std::string Cups_MakeDataDir(const std::string& dir, const std::string& models) {
+  const std::string system = "/usr/share/cups";
+  std::string data = dir + "/datadir";
+  Test_MakeDirs(data + "/model");
+  if (DIR* d = opendir(system.c_str())) {
+    while (struct dirent* e = readdir(d)) {
+      std::string name = e->d_name;
+      if (name == "." || name == ".." || name == "model") continue;
+      Cups_Link(system + "/" + name, data + "/" + name);
+    }
+    closedir(d);
+  }
+  if (DIR* d = opendir((system + "/model").c_str())) {
+    while (struct dirent* e = readdir(d)) {
+      std::string name = e->d_name;
+      if (name == "." || name == "..") continue;
+      Cups_Link(system + "/model/" + name, data + "/model/" + name);
+    }
+    closedir(d);
+  }
+  size_t pos = 0;
+  while (pos < models.size()) {
+    size_t tab = models.find('\t', pos), end = models.find('\n', pos);
+    Cups_Link(models.substr(tab + 1, end - tab - 1), data + "/model/" + models.substr(pos, tab - pos));
+    pos = end + 1;
+  }
+  return data;
+}
+
 bool TTestSpooler::Start(std::string* error) {
   std::string sb = Cups_MakeServerBin(dir_);
+  for (size_t pos = 0; pos < backends_.size();) {
+    size_t t1 = backends_.find('\t', pos), t2 = backends_.find('\t', t1 + 1);
+    size_t end = backends_.find('\n', pos);
+    std::string target = sb + "/backend/" + backends_.substr(pos, t1 - pos);
+    unlink(target.c_str());
+    Test_WriteFile(target, Test_ReadFile(backends_.substr(t1 + 1, t2 - t1 - 1)));
+    chmod(target.c_str(), static_cast<mode_t>(std::stoul(backends_.substr(t2 + 1, end - t2 - 1))));
+    pos = end + 1;
+  }
+  std::string dataDir = models_.empty() ? "/usr/share/cups" : Cups_MakeDataDir(dir_, models_);
   for (const char* sub : {"spool/tmp", "cache", "state", "log", "ppd", "out"}) Test_MakeDirs(dir_ + "/" + sub);
   chmod((dir_ + "/spool/tmp").c_str(), 01777);
   chmod((dir_ + "/out").c_str(), 01777);
@@ -122,12 +176,12 @@ bool TTestSpooler::Start(std::string* error) {
                  "<Location />\n  Order allow,deny\n  Allow all\n</Location>\n"
                  "<Policy default>\n  <Limit All>\n    Order deny,allow\n  </Limit>\n</Policy>\n");
   Test_WriteFile(dir_ + "/cups-files.conf",
-                 "ServerRoot " + dir_ + "\nServerBin " + sb + "\nDataDir /usr/share/cups\n"
+                 "ServerRoot " + dir_ + "\nServerBin " + sb + "\nDataDir " + dataDir + "\n"
                  "RequestRoot " + dir_ + "/spool\nCacheDir " + dir_ + "/cache\n"
                  "StateDir " + dir_ + "/state\nTempDir " + dir_ + "/spool/tmp\n"
                  "AccessLog " + dir_ + "/log/access_log\nErrorLog " + dir_ + "/log/error_log\n"
                  "PageLog " + dir_ + "/log/page_log\nFileDevice Yes\nUser lp\nGroup lp\n"
-                 "SystemGroup root\n");
+                 "SystemGroup root\n" + extraConf_);
   std::string cupsd = Cups_Which("cupsd");
   pid_ = fork();
   if (pid_ == 0) {

@@ -40,6 +40,15 @@ class TTestSpooler {
   TTestSpooler(const TTestSpooler&) = delete;
   TTestSpooler& operator=(const TTestSpooler&) = delete;
 
+  // Before Start: 'SetEnv()' adds a SetEnv line to the spooler's
+  // file configuration (filters, backends and device discovery see it);
+  // 'AddBackend()' copies program into the backend directory with mode
+  // (0700: run as root); 'AddModels()' lets the spooler's driver list
+  // see the PPD files of dir, as DataDir/model/<name>.
+  void SetEnv(const std::string& name, const std::string& value);
+  void AddBackend(const std::string& name, const std::string& program, mode_t mode);
+  void AddModels(const std::string& name, const std::string& dir);
+
   bool Start(std::string* error);
   // 'Run()' - Run a client command (lpadmin, lp, lpstat) against this
   // spooler; returns its exit status, output in *out.
@@ -51,5 +60,8 @@ class TTestSpooler {
  private:
   std::string dir_;
   std::string socket_;
+  std::string extraConf_;
+  std::string backends_;  // "name\tprogram\tmode\n" lines
+  std::string models_;    // "name\tdir\n" lines
   pid_t pid_ = -1;
 };
