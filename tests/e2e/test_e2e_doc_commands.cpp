@@ -169,8 +169,9 @@ TEST(DocCommands, EveryShellCommandOfTheGuidesWorksAsWritten) {
   printf("ran %d commands, checked %d job streams; skipped %zu blocks:\n", run, jobs, skipped.size());
   for (const std::string& s : skipped) printf("  %s\n", s.c_str());
   EXPECT_GE(jobs, 4);
-  // Only installing and building are left out.
-  EXPECT_LE(skipped.size(), 3u);
+  // Only installing, building and what needs a printer on USB or the
+  // installed PPD files are left out.
+  EXPECT_LE(skipped.size(), 5u);
 }
 
 TEST(DocCommands, ExtractionJoinsContinuationsAndKeepsSkipReasons) {
