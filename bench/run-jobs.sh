@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # Whole-job benchmark of the filter: each standard job runs as a whole
 # process with input and output through pipes, alternating with a baseline
-# (the null filter, the filter built on the plain reference stages, and
-# ghostscript rendering the same card pages), and the medians, the median
-# of the per-pair ratios and the peak resident set sizes go into a table.
+# (the I/O floor, the null filter, the filter built on the plain reference
+# stages, and ghostscript rendering the same card pages), and the medians,
+# the median of the per-pair ratios and the peak resident set sizes go into
+# a table.
 #
 # Usage: bench/run-jobs.sh [-b BUILD_DIR] [-n RUNS] [-o TABLE_FILE]
 #   BUILD_DIR  a build configured with -DBRELLIAN_BUILD_BENCH=ON, built in
@@ -29,14 +30,16 @@ if [ ! -x "$build/bench/brellian-nullfilter" ]; then
   cmake -S . -B "$build" -DBRELLIAN_BUILD_BENCH=ON -DCMAKE_BUILD_TYPE=Release \
     -DBRELLIAN_SYSROOT="$PWD/$build/sysroot" >/dev/null
 fi
-cmake --build "$build" -j2 --target rastertobrellian brellian-nullfilter brellian-reffilter \
+cmake --build "$build" -j2 --target rastertobrellian brellian-nullfilter brellian-iofloor brellian-reffilter \
   brellian-rasterwrite brellian-samplecard brellian_ppds >/dev/null
 [ -n "$table" ] || table="$build/bench/jobs.txt"
 work="$build/bench/jobs"
 mkdir -p "$work"
+rm -f "$work"/*.out   # output sizes are measured again with this filter
 filter="$build/rastertobrellian"
 reffilter="$build/bench/brellian-reffilter"
 nullfilter="$build/bench/brellian-nullfilter"
+iofloor="$build/bench/brellian-iofloor"
 write="$build/tools/brellian-rasterwrite"
 samplecard="$build/tools/brellian-samplecard"
 pdf=docs/samples/sample-card.pdf
@@ -70,13 +73,29 @@ make_job cr80at300 8 1011 638 300 --duplex
 # The card document repeated to eight pages, for ghostscript.
 gs_pages=("$pdf" "$pdf" "$pdf" "$pdf")
 
+# 'job_ppd JOB' - The PPD a job runs with: the 1030's at 300 dpi.
+job_ppd() {
+  case $1 in *300*) echo "$PWD/$build/ppd/br1030.ppd" ;; *) echo "$PWD/$build/ppd/br1060.ppd" ;; esac
+}
+
+# 'measure_output JOB' - The filter's output bytes and pages for the job,
+# which the I/O floor writes and spreads over the pages ($work/JOB.out).
+measure_output() {
+  local job=$1 bytes pages
+  bytes=$(PPD=$(job_ppd "$job") "$filter" 1 bench bench 1 "$options" <"$work/$job.ras" \
+    2>"$work/$job.err" | wc -c)
+  pages=$(grep -c '^PAGE: ' "$work/$job.err" || true)
+  echo "$bytes $pages" >"$work/$job.out"
+}
+
 # 'run_one KIND JOB' - Run one program on one job through pipes; prints
 # "seconds peak-KiB".
 run_one() {
-  local kind=$1 job=$2 ppd t0 t1 rss
-  ppd="$PWD/$build/ppd/br1060.ppd"
-  case $job in *300*) ppd="$PWD/$build/ppd/br1030.ppd" ;; esac
+  local kind=$1 job=$2 ppd t0 t1 rss floor
+  ppd=$(job_ppd "$job")
   local stats="$work/time.txt"
+  [ -s "$work/$job.out" ] || measure_output "$job"
+  read -r -a floor <"$work/$job.out"
   t0=$(date +%s%N)
   case $kind in
     filter | reffilter | nullfilter)
@@ -85,6 +104,10 @@ run_one() {
       [ "$kind" = nullfilter ] && prog=$nullfilter
       cat "$work/$job.ras" | PPD=$ppd /usr/bin/time -f "%M" -o "$stats" \
         "$prog" 1 bench bench 1 "$options" 2>/dev/null | cat >/dev/null ;;
+    iofloor)    # reads as the page loop does, writes the filter's output size
+      cat "$work/$job.ras" | BRELLIAN_FLOOR_BYTES=${floor[0]} BRELLIAN_FLOOR_PAGES=${floor[1]} \
+        /usr/bin/time -f "%M" -o "$stats" "$iofloor" 1 bench bench 1 "$options" 2>/dev/null |
+        cat >/dev/null ;;
     gs-panel)   # the card pages fitted to the 600 dpi panel size
       /usr/bin/time -f "%M" -o "$stats" gs -q -dNOPAUSE -dBATCH -dSAFER -sDEVICE=cups \
         -dcupsColorSpace=1 -dcupsBitsPerColor=8 -r600 -dDEVICEWIDTHPOINTS=248.64 \
@@ -128,18 +151,13 @@ compare() {
 {
   echo "Whole-job benchmark, $(date -u '+%Y-%m-%d %H:%M UTC'), $(nproc) cores, load $(cut -d' ' -f1-3 /proc/loadavg), $runs pairs"
   printf '%-12s %-10s %-11s %8s %8s %7s %9s %9s\n' job A B "A s" "B s" "A/B" "A MiB" "B MiB"
-  compare card600 filter nullfilter
-  compare card600z filter nullfilter
-  compare panel600 filter nullfilter
-  compare panel600z filter nullfilter
-  compare cr80 filter nullfilter
-  compare cr80z filter nullfilter
-  compare portrait600 filter nullfilter
-  compare page600 filter nullfilter
-  compare panel300 filter nullfilter
-  compare panel300z filter nullfilter
-  compare cr80at300 filter nullfilter
-  compare card300 filter nullfilter
+  # Every job against the I/O floor (reading the raster and writing as many
+  # bytes as the filter) and against the null filter (reading only).
+  for job in card600 card600z panel600 panel600z cr80 cr80z portrait600 page600 panel300 \
+    panel300z cr80at300 card300; do
+    compare "$job" filter iofloor
+    compare "$job" filter nullfilter
+  done
   # Against the reference stages, and against ghostscript (which writes
   # uncompressed raster) with the filter reading either form.
   compare panel600z filter reffilter

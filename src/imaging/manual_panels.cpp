@@ -12,7 +12,7 @@
 #include "imaging/panel.h"
 #include "imaging/stages.h"
 #include "log/log.h"
-#include "util/safe_file.h"
+#include "options/conf_file.h"
 
 namespace {
 
@@ -70,19 +70,23 @@ int32_t Page_ProcessSubPage_POManual(TPrintingTask* task) {  // I - Job
 // The file is a raw W x H image, one byte per dot; a longer file is accepted
 // and only its first W x H bytes are read.  A missing, unopenable (symbolic
 // links and other non-regular files included) or short file, or no memory,
-// is logged and no UV panel is sent.  Returns 0.
+// is logged and no UV panel is sent; a file another user could have planted
+// (Conf_OpenFile) is logged as not found.  Returns 0.
 int32_t Page_ProcessSubPage_UVManual(TPrintingTask* task) {  // I - Job
   const int32_t s = task->sideIndex;
   const char* path = task->uvFile(s).c_str();
   Log_Write(LOG_ENTRYEXIT, ">>>> Page_ProcessSubPage_UVManual(%d)(%s)", task->uv(s), path);
 
   FILE* file = nullptr;
-  if (access(path, F_OK) != 0) {
+  int fd = Conf_OpenFile(path);
+  if (fd < 0 && (errno == ENOENT || errno == ENOTDIR)) {
     Log_Write(LOG_ERROR, "Page_ProcessSubPage_UVManual --> file not found (%s)", path);
     Warn_UVFileLeftOut(task, path);
-  } else if ((file = File_FOpenRegular(path, "rb")) == nullptr) {
+  } else if (fd < 0 || (file = fdopen(fd, "rb")) == nullptr) {
+    int error = errno;
+    if (fd >= 0) close(fd);
     Log_Write(LOG_ERROR, "Page_ProcessSubPage_UVManual --> unable to open file (%s)(%d)", path,
-              errno);
+              error);
     Warn_UVFileLeftOut(task, path);
   } else {
     TPanelGeometry g = Panel_Geometry(task);

@@ -15,7 +15,7 @@
 #include <unistd.h>
 
 #include "brellian_paths.h"
-#include "util/safe_file.h"
+#include "log/log_file.h"
 #include "util/signal_block.h"
 
 namespace {
@@ -25,6 +25,10 @@ int32_t g_logLevel = LOG_LOG;
 uint32_t g_logOutputMask = 0;
 int32_t g_logDepth = 0;
 std::mutex g_logMutex;
+// The destination files, kept open between lines (log/log_file.h).
+TLogFile g_spoolFile;
+TLogFile g_homeFile;
+TLogFile g_systemFile;
 
 // Appends text to a bounded line; what does not fit is cut.
 struct TLineBuffer {
@@ -43,35 +47,39 @@ struct TLineBuffer {
 
 // 'Log_AppendEscaped()' - Append a message with every control character
 // written as "\xNN", so that no text reaching the log can start a line of
-// its own or move the terminal.
+// its own or move the terminal.  Runs of plain characters go in one copy.
 void Log_AppendEscaped(TLineBuffer* line, const char* msg) {
-  for (const char* p = msg; *p; ++p) {
+  const char* run = msg;
+  for (const char* p = msg;; ++p) {
     unsigned char c = static_cast<unsigned char>(*p);
-    if (c < 0x20 || c == 0x7F) {
-      char esc[5];
-      snprintf(esc, sizeof esc, "\\x%02X", c);
-      line->Append(esc, 4);
-    } else {
-      line->Append(p, 1);
-    }
+    if (c >= 0x20 && c != 0x7F) continue;
+    line->Append(run, static_cast<size_t>(p - run));
+    if (c == 0) return;
+    char esc[5];
+    snprintf(esc, sizeof esc, "\\x%02X", c);
+    line->Append(esc, 4);
+    run = p + 1;
   }
 }
 
-// 'Log_AppendToFile()' - Append one line to a log file: open, write,
-// close.  With rotate set the file is deleted when it has grown past
-// LOG_ROTATE_BYTES.  Only a regular file is written (File_OpenRegular: no
-// symbolic link, FIFO or device).  Returns false, with errno set, when the
-// file could not be opened.  A write to a file opened for appending lands at
-// its end, which is then the position the rotation asks for.
-bool Log_AppendToFile(const char* path, const char* line, size_t length, bool rotate) {
-  int fd = File_OpenRegular(path, O_WRONLY | O_CREAT | O_APPEND, 0666);
-  if (fd < 0) return false;
-  ssize_t unused = write(fd, line, length);
-  (void)unused;
-  off_t position = rotate ? lseek(fd, 0, SEEK_CUR) : 0;
-  close(fd);
-  if (rotate && position > LOG_ROTATE_BYTES) unlink(path);
-  return true;
+// Length of the time stamp "YYMMDD HH:MM:SS " that begins every file line.
+constexpr size_t LOG_STAMP_BYTES = 16;
+
+// 'Log_Stamp()' - The time stamp of the current second in local time.  It
+// is made again only when the second changes: lines are written far more
+// often than once a second, and the local time of one second is one text.
+const char* Log_Stamp() {
+  static time_t s_second = -1;
+  static char s_stamp[64];  // room for any int the compiler assumes
+  time_t now = time(nullptr);
+  if (now != s_second) {
+    struct tm tmNow;
+    localtime_r(&now, &tmNow);
+    snprintf(s_stamp, sizeof s_stamp, "%02d%02d%02d %02d:%02d:%02d ", tmNow.tm_year % 100,
+             tmNow.tm_mon + 1, tmNow.tm_mday, tmNow.tm_hour, tmNow.tm_min, tmNow.tm_sec);
+    s_second = now;
+  }
+  return s_stamp;
 }
 
 // 'Log_AppendInDirectory()' - Append one line to dir/<file>, creating
@@ -79,14 +87,14 @@ bool Log_AppendToFile(const char* path, const char* line, size_t length, bool ro
 // directories usually exist, so the file is opened first and they are made
 // only when the open finds them missing: the outcome is that of making them
 // before every line, without a failing call on every line.
-bool Log_AppendInDirectory(const std::string& dir, const char* line, size_t length, bool rotate,
-                           const char* parent = nullptr) {
+bool Log_AppendInDirectory(TLogFile* file, const std::string& dir, const char* line, size_t length,
+                           bool rotate, const char* parent = nullptr) {
   std::string path = dir + "/" + g_logFileName;
-  if (Log_AppendToFile(path.c_str(), line, length, rotate)) return true;
+  if (LogFile_Append(file, path, line, length, rotate)) return true;
   if (errno != ENOENT) return false;
   if (parent) mkdir(parent, 0777);
   mkdir(dir.c_str(), 0777);
-  return Log_AppendToFile(path.c_str(), line, length, rotate);
+  return LogFile_Append(file, path, line, length, rotate);
 }
 
 // 'Log_AppendToHome()' - Append one line to "$HOME/Brellian/Logs/<file>",
@@ -96,7 +104,7 @@ void Log_AppendToHome(const char* line, size_t length) {
   const char* home = getenv("HOME");
   if (!home || !*home) return;
   std::string brellian = std::string(home) + "/Brellian";
-  Log_AppendInDirectory(brellian + "/Logs", line, length, true, brellian.c_str());
+  Log_AppendInDirectory(&g_homeFile, brellian + "/Logs", line, length, true, brellian.c_str());
 }
 
 }  // namespace
@@ -118,9 +126,7 @@ void Log_Write(int32_t level, const char* format, ...) {
   TSignalBlock block;
   std::lock_guard<std::mutex> lock(g_logMutex);
 
-  time_t now = time(nullptr);
-  struct tm tmNow;
-  localtime_r(&now, &tmNow);
+  const char* stamp = Log_Stamp();
 
   char message[LOG_MESSAGE_BYTES];
   va_list args;
@@ -138,23 +144,24 @@ void Log_Write(int32_t level, const char* format, ...) {
   else if (level == LOG_WARNING) line.Append("WARNING: ");
   Log_AppendEscaped(&line, message);
 
-  char stamped[LOG_MESSAGE_BYTES + 32];
-  int stampedLen = snprintf(stamped, sizeof stamped, "%02d%02d%02d %02d:%02d:%02d %s\n",
-                            tmNow.tm_year % 100, tmNow.tm_mon + 1, tmNow.tm_mday, tmNow.tm_hour,
-                            tmNow.tm_min, tmNow.tm_sec, line.text);
-  if (stampedLen < 0) stampedLen = 0;
-  if (static_cast<size_t>(stampedLen) >= sizeof stamped) stampedLen = sizeof stamped - 1;
+  // The stamped line: "YYMMDD HH:MM:SS ", the line and a line feed.
+  char stamped[LOG_STAMP_BYTES + LOG_MESSAGE_BYTES + 1];
+  memcpy(stamped, stamp, LOG_STAMP_BYTES);
+  memcpy(stamped + LOG_STAMP_BYTES, line.text, line.length);
+  stamped[LOG_STAMP_BYTES + line.length] = '\n';
+  const size_t stampedLen = LOG_STAMP_BYTES + line.length + 1;
 
   if (g_logOutputMask & LOG_OUT_STDERR) {
     fprintf(stderr, "%s\n", line.text);
     fflush(stderr);
   }
-  size_t length = static_cast<size_t>(stampedLen);
+  size_t length = stampedLen;
   if (g_logOutputMask & LOG_OUT_SPOOL) {
     std::string path = std::string(BRELLIAN_SPOOL_TMP_DIR) + "/" + g_logFileName;
-    if (!Log_AppendToFile(path.c_str(), stamped, length, true)) Log_AppendToHome(stamped, length);
+    if (!LogFile_Append(&g_spoolFile, path, stamped, length, true)) Log_AppendToHome(stamped, length);
   }
   if (g_logOutputMask & LOG_OUT_HOME) Log_AppendToHome(stamped, length);
-  if (g_logOutputMask & LOG_OUT_SYSTEM) Log_AppendInDirectory(BRELLIAN_LOG_DIR, stamped, length, false);
+  if (g_logOutputMask & LOG_OUT_SYSTEM)
+    Log_AppendInDirectory(&g_systemFile, BRELLIAN_LOG_DIR, stamped, length, false);
   errno = savedErrno;
 }

@@ -1,12 +1,14 @@
 // Reading the log level from the log configuration file.
 // Copyright 2026 The rastertobrellian authors.
 #include <cstring>
+#include <fcntl.h>
 #include <string>
 
 #include "brellian_paths.h"
 #include "log/log.h"
 #include "util/safe_file.h"
 #include "util/str.h"
+#include "util/trusted_file.h"
 
 namespace {
 
@@ -24,6 +26,7 @@ const TLevelWord kLevelWords[] = {
 // The configuration file is a few lines; anything larger is not read.
 constexpr size_t kMaxConfigBytes = 1024 * 1024;
 constexpr size_t kLineBytes = 1024;
+constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";
 
 // 'Log_MatchLine()' - Apply one configuration line.  Returns true and sets
 // *level when the line names programName.
@@ -61,6 +64,9 @@ int32_t Log_LevelFromWord(const char* word) {
 int32_t Log_ReadLevelFromText(const char* text, size_t length, const char* programName,
                               int32_t defaultLevel) {
   size_t pos = 0;
+  // A UTF-8 byte-order mark before the first line is not part of its key.
+  const size_t markLen = sizeof kByteOrderMark - 1;
+  if (length >= markLen && memcmp(text, kByteOrderMark, markLen) == 0) pos = markLen;
   char line[kLineBytes];
   while (pos < length) {
     const char* start = text + pos;
@@ -81,6 +87,7 @@ int32_t Log_ReadLevelFromText(const char* text, size_t length, const char* progr
 
 int32_t Log_ReadLevel(const char* programName, int32_t defaultLevel) {
   std::string text;
-  if (File_ReadCapped(BRELLIAN_LOG_CONFIG_FILE, kMaxConfigBytes, &text) != 0) return defaultLevel;
+  int fd = File_OpenOwned(BRELLIAN_LOG_CONFIG_FILE, O_RDONLY);
+  if (fd < 0 || File_ReadAll(fd, kMaxConfigBytes, &text) != 0) return defaultLevel;
   return Log_ReadLevelFromText(text.data(), text.size(), programName, defaultLevel);
 }

@@ -7,6 +7,7 @@
 #include <string>
 #include <strings.h>
 
+#include "options/conf_file.h"
 #include "util/safe_file.h"
 
 namespace {
@@ -105,12 +106,30 @@ bool Lut_Parse(const char* text, size_t length, uint8_t table[3][LUT_ENTRIES], T
   return true;
 }
 
-int32_t Lut_Load(const char* path, uint8_t table[3][LUT_ENTRIES], TLutError* error) {
-  std::string text;
-  if (File_ReadCapped(path, LUT_FILE_MAX, &text) != 0) {
+namespace {
+
+// 'Lut_FromRead()' - The result of a LUT load whose read returned rc with
+// the file's text.
+int32_t Lut_FromRead(int rc, const std::string& text, uint8_t table[3][LUT_ENTRIES],
+                     TLutError* error) {
+  if (rc != 0) {
     if (errno != EFBIG) return -1;
     Lut_Fail(error, 0, "file larger than 64 KiB");
     return -2;
   }
   return Lut_Parse(text.data(), text.size(), table, error) ? 0 : -2;
+}
+
+}  // namespace
+
+int32_t Lut_Load(const char* path, uint8_t table[3][LUT_ENTRIES], TLutError* error) {
+  std::string text;
+  int rc = File_ReadCapped(path, LUT_FILE_MAX, &text);
+  return Lut_FromRead(rc, text, table, error);
+}
+
+int32_t Lut_LoadConfig(const char* path, uint8_t table[3][LUT_ENTRIES], TLutError* error) {
+  std::string text;
+  int rc = Conf_ReadFile(path, LUT_FILE_MAX, &text);
+  return Lut_FromRead(rc, text, table, error);
 }

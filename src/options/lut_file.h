@@ -28,3 +28,8 @@ bool Lut_Parse(const char* text, size_t length, uint8_t table[3][LUT_ENTRIES], T
 // can't be opened (errno set); -2 when it is not usable (*error says why,
 // table untouched).
 int32_t Lut_Load(const char* path, uint8_t table[3][LUT_ENTRIES], TLutError* error);
+
+// 'Lut_LoadConfig()' - Lut_Load for a table of the configuration tree,
+// opened with the trust checks of Conf_OpenFile: a file another user could
+// have planted counts as one that can't be opened (-1).
+int32_t Lut_LoadConfig(const char* path, uint8_t table[3][LUT_ENTRIES], TLutError* error);

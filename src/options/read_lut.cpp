@@ -23,7 +23,7 @@ int32_t Opt_ReadSideLUT(const TOptionContext* ctx, const char* keyword, uint8_t 
   const std::string& name = ctx->settings.lutNames[code - 1];
   std::string path = std::string(BRELLIAN_LUT_DIR) + "/" + name + ".csv";
   TLutError error{0, ""};
-  int32_t rc = File_IsSafeName(name.c_str()) ? Lut_Load(path.c_str(), table, &error) : -1;
+  int32_t rc = File_IsSafeName(name.c_str()) ? Lut_LoadConfig(path.c_str(), table, &error) : -1;
   if (rc == -1) {
     Log_Write(LOG_ERROR, "  LUT Table not found: (%s)", path.c_str());
     Warn_LutTable(ctx, keyword, code, name, path, rc, error);

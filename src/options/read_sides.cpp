@@ -1,10 +1,11 @@
 // Option reader: per-side ribbon, resin, UV, UV mark, overlay; lamination.
 // Copyright 2026 The rastertobrellian authors.
-#include <sys/stat.h>
+#include <unistd.h>
 
 #include "brellian_paths.h"
 #include "driver/printing_task.h"
 #include "log/log.h"
+#include "options/conf_file.h"
 #include "options/read_context.h"
 #include "util/safe_file.h"
 
@@ -14,8 +15,9 @@ namespace {
 // 'Opt_UVFile()' - The UV file rule for UV preset code uv (2-6) of a side:
 // the settings' UV file name of the preset, under BRELLIAN_CONF_DIR "/uv/".
 // Returns the code to keep (0 when the preset is cleared); *path receives
-// the file when it exists.  A name that is not a plain file name, or a path
-// that is not a regular file, counts as not found.
+// the file when it exists.  A name that is not a plain file name, a path
+// that is not a regular file and a file another user could have planted
+// (Conf_OpenFile) count as not found.
 int32_t Opt_UVFile(const TOptionContext* ctx, const char* sideWord, int32_t uv, std::string* path) {
   if (uv < 2) return uv;
   const std::string& name = ctx->settings.uvNames[uv - 2];
@@ -25,8 +27,9 @@ int32_t Opt_UVFile(const TOptionContext* ctx, const char* sideWord, int32_t uv, 
     return 0;
   }
   std::string candidate = std::string(BRELLIAN_CONF_DIR) + "/uv/" + name;
-  struct stat st;
-  if (File_IsSafeName(name.c_str()) && lstat(candidate.c_str(), &st) == 0 && S_ISREG(st.st_mode)) {
+  int fd = File_IsSafeName(name.c_str()) ? Conf_OpenFile(candidate.c_str()) : -1;
+  if (fd >= 0) {
+    close(fd);
     Log_Write(LOG_LOG, "  %s: filename(%s)", sideWord, candidate.c_str());
     *path = candidate;
     return uv;

@@ -9,6 +9,7 @@
 
 #include "brellian_paths.h"
 #include "log/log.h"
+#include "options/conf_file.h"
 #include "util/safe_file.h"
 #include "util/str.h"
 
@@ -60,8 +61,9 @@ std::string TBrellianSettings::FilePath() const {
 }
 
 // 'Load()' - Reset, store the lower-cased names and read their file.  A
-// name that can't stand in a file name, an unopenable file or one larger
-// than SETTINGS_FILE_MAX leaves the reset state and returns false.
+// name that can't stand in a file name, an unopenable file, one another
+// user could have planted (Conf_OpenFile) or one larger than
+// SETTINGS_FILE_MAX leaves the reset state and returns false.
 bool TBrellianSettings::Load(const char* model, const char* serial) {
   Reset();
   Settings_MakeDirs();
@@ -72,7 +74,7 @@ bool TBrellianSettings::Load(const char* model, const char* serial) {
   int error = Settings_NameError(modelName);
   if (!error) error = Settings_NameError(serialNumber);
   std::string bytes;
-  if (!error && File_ReadCapped(FilePath().c_str(), SETTINGS_FILE_MAX, &bytes) != 0) error = errno;
+  if (!error && Conf_ReadFile(FilePath().c_str(), SETTINGS_FILE_MAX, &bytes) != 0) error = errno;
   if (error) {
     Log_Write(LOG_LOG, "TBrellianSettings::Load --> failed to open settings file (%d)", error);
     return false;

@@ -51,10 +51,8 @@ FILE* File_FOpenRegular(const char* path, const char* mode) {
   return f;
 }
 
-int File_ReadCapped(const char* path, size_t maxBytes, std::string* out) {
+int File_ReadAll(int fd, size_t maxBytes, std::string* out) {
   out->clear();
-  int fd = File_OpenRegular(path, O_RDONLY);
-  if (fd < 0) return -1;
   char buf[65536];
   for (;;) {
     ssize_t n = read(fd, buf, sizeof buf);
@@ -77,6 +75,13 @@ int File_ReadCapped(const char* path, size_t maxBytes, std::string* out) {
   }
   close(fd);
   return 0;
+}
+
+int File_ReadCapped(const char* path, size_t maxBytes, std::string* out) {
+  out->clear();
+  int fd = File_OpenRegular(path, O_RDONLY);
+  if (fd < 0) return -1;
+  return File_ReadAll(fd, maxBytes, out);
 }
 
 bool File_IsSafeName(const char* name, size_t maxLen) {

@@ -19,6 +19,11 @@ int File_OpenRegular(const char* path, int flags, unsigned mode = 0666);
 // of "rb", "r", "wb", "w", "ab", "a", "a+".  Returns null with errno set.
 FILE* File_FOpenRegular(const char* path, const char* mode);
 
+// 'File_ReadAll()' - Read fd to its end into out, at most maxBytes bytes,
+// and close it.  Returns 0, or -1 with errno set (EFBIG when the file is
+// larger than maxBytes; out is then left empty).
+int File_ReadAll(int fd, size_t maxBytes, std::string* out);
+
 // 'File_ReadCapped()' - Read a whole regular file of at most maxBytes bytes
 // into out.  Returns 0, or -1 with errno set (EFBIG when the file is larger
 // than maxBytes; out is then left empty).

@@ -29,6 +29,9 @@ TEST(SettingsDirectories, FilterCreatesThemWithMode0777) {
   EXPECT_EQ(1, r.status);   // empty raster input: no pages
   EXPECT_EQ(0777, Mode(Test_ConfDir()));
   EXPECT_EQ(0777, Mode(Test_ConfDir() + "/settings"));
+  // Files below directories any user can write are not trusted: leave no
+  // such tree behind for the next test.
+  Test_RemoveTree(Test_ConfDir());
 }
 
 TEST(SettingsDirectories, ExistingDirectoryKeepsItsMode) {
@@ -40,5 +43,5 @@ TEST(SettingsDirectories, ExistingDirectoryKeepsItsMode) {
   options.unsetEnv = {"PPD"};
   Test_RunFilter({"1", "u", "t", "1", ""}, options);
   EXPECT_EQ(0750, Mode(Test_ConfDir() + "/settings"));
-  chmod((Test_ConfDir() + "/settings").c_str(), 0777);
+  Test_RemoveTree(Test_ConfDir());
 }

@@ -185,6 +185,21 @@ void Test_MakeDirs(const std::string& path) {
   std::string cmd = "mkdir -p '" + path + "'";
   int rc = system(cmd.c_str());
   (void)rc;
+  // The configuration tree is made as the package makes it: every directory
+  // from the build's system root down to path writable by its owner only,
+  // since the filter treats files below a directory others can write as
+  // not found.  (A filter run may have made them with mode 0777.)
+  const std::string conf = BRELLIAN_CONF_DIR;
+  if (path.compare(0, conf.size(), conf) != 0) return;
+  const std::string root = BRELLIAN_SYSROOT;
+  size_t end = root.empty() ? conf.size() : root.size();
+  for (;;) {
+    struct stat st;
+    std::string dir = path.substr(0, end);
+    if (lstat(dir.c_str(), &st) == 0 && S_ISDIR(st.st_mode)) chmod(dir.c_str(), st.st_mode & 0755);
+    if (end >= path.size()) break;
+    end = std::min(path.find('/', end + 1), path.size());
+  }
 }
 
 void Test_ResetLog() {

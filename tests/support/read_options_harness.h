@@ -102,6 +102,7 @@ class ReadOptionsTest : public ::testing::Test {
     s.serialNumber = serial;
     Str_ToLower(s.modelName);
     Str_ToLower(s.serialNumber);
+    Test_MakeDirs(BRELLIAN_SETTINGS_DIR);  // a tree the reader trusts
     ASSERT_TRUE(s.Save());
   }
   static void RemoveSettings(const std::string& serial) {
