@@ -8,7 +8,7 @@ set(CPACK_PACKAGE_VENDOR "The rastertobrellian authors")
 set(CPACK_PACKAGE_CONTACT "rastertobrellian maintainers <maintainers@rastertobrellian.invalid>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "CUPS raster filter for Brellian retransfer ID-card printers")
 set(CPACK_PACKAGE_DESCRIPTION
-    "rastertobrellian turns CUPS raster pages into the job command stream of\nBrellian retransfer ID-card printers (models 1030, 1035 and 1060).\nIt ships the filter, the PPD files, the job-stream inspector and the\npreset tools.")
+    "rastertobrellian turns CUPS raster pages into the job command stream of\nBrellian retransfer ID-card printers (models 1030, 1035 and 1060).\nIt ships the filter, the PPD files, the job-stream inspector, the\npreset tools and brellian-printer-app, an IPP Everywhere printer\napplication for driverless clients with a web page for the presets.")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 # A printer driver with its administration tools: "utils" (hardware
 # support utilities); see docs/packaging.md.

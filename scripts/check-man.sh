@@ -20,7 +20,7 @@ for program in "$@"; do
   page=$(ls "$dir/$name".[1-8].gz 2>/dev/null | head -n 1)
   if [ -z "$page" ]; then echo "check-man: no page for $name"; status=1; continue; fi
   usage=$("$program" --help | sed -n 's/^Usage: //p' | head -n 1)
-  if ! LC_ALL=C MANWIDTH=250 man -l "$page" 2>/dev/null | tr -s ' ' | grep -qF -- "$(tr -s ' ' <<<"$usage")"; then
+  if ! LC_ALL=C MANWIDTH=250 man -l "$page" 2>/dev/null | tr -s ' ' | grep -F -- "$(tr -s ' ' <<<"$usage")" >/dev/null; then
     echo "check-man: the page of $name does not show its usage \"$usage\""; status=1
   fi
 done

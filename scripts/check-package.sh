@@ -134,6 +134,27 @@ fi
 /usr/bin/brellian-jobdump --quiet /tmp/out/job.bin
 grep -q 'CMD: ICMD_ENDJOB' /var/log/brellian/rastertobrellian.log
 echo "check-package: dpkg -i, lpadmin and lp gave a complete job; the filter logged to /var/log/brellian as $(stat -c %U /var/log/brellian/rastertobrellian.log)"
+
+# The installed printer application finds the installed filter and PPD files
+# by itself: a PWG raster job on a file: device gives a complete job stream.
+test -f /lib/systemd/system/brellian-printer-app.service
+mkdir -p /tmp/app-out /tmp/app-spool
+/usr/bin/brellian-printer-app server -o server-port=18632 -o listen-hostname=localhost \
+  -o spool-directory=/tmp/app-spool -o log-file=/tmp/app.log -o log-level=debug -o server-options=no-tls &
+app_pid=$!
+trap 'kill $cupsd_pid $app_pid 2>/dev/null; wait $cupsd_pid $app_pid 2>/dev/null || true' EXIT
+# Wait for the port itself: a client sub-command run before the server is up
+# would start a private server of its own.
+for i in $(seq 300); do (exec 3<>/dev/tcp/127.0.0.1/18632) 2>/dev/null && break; sleep 0.1; done
+/usr/bin/brellian-printer-app add -d pkgcard -m brellian_1035 -v 'file:///tmp/app-out?ext=brj'
+/usr/bin/brellian-rasterwrite --pwg -o /tmp/card.pwg pattern
+/usr/bin/brellian-printer-app submit -d pkgcard /tmp/card.pwg >/dev/null
+app_job() { find /tmp/app-out -name '*.brj' -size +0 | head -n 1; }
+for i in $(seq 600); do [ -n "$(app_job)" ] && /usr/bin/brellian-jobdump --quiet "$(app_job)" >/dev/null 2>&1 && break; sleep 0.2; done
+[ -n "$(app_job)" ] && /usr/bin/brellian-jobdump --quiet "$(app_job)" || { tail -n 30 /tmp/app.log; exit 1; }
+echo "check-package: the installed brellian-printer-app printed a complete job through the installed filter"
+kill $app_pid; wait $app_pid 2>/dev/null || true
+trap 'kill $cupsd_pid 2>/dev/null; wait $cupsd_pid 2>/dev/null || true' EXIT
 bash /tmp/check-installed.sh
 CHROOT
 INNER

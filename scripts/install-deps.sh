@@ -4,10 +4,14 @@
 set -euo pipefail
 
 packages=(build-essential cmake pkg-config libcups2-dev libcupsimage2-dev libgtest-dev
-          libbenchmark-dev libpng-dev cups-ppdc cups-client help2man man-db)
+          libbenchmark-dev libpng-dev cups-ppdc cups-client help2man man-db libpappl-dev
+          cups-ipp-utils libjpeg-turbo-progs python3)
 if [ "${1:-}" = "--full" ]; then
   packages+=(cups cups-filters ghostscript poppler-utils clang libclang-rt-14-dev
-             lintian logrotate)
+             lintian logrotate chromium)
+  # The printer application's browser test drives chromium with a driver
+  # from the npm registry; node and npm may come from outside Debian.
+  command -v npm >/dev/null 2>&1 || packages+=(npm)
   # Real documents of the end-to-end tests: a Code 128 bar code made with
   # barcode, and a screenshot shipped in valgrind's documentation.
   packages+=(barcode valgrind)

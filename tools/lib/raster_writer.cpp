@@ -100,6 +100,33 @@ bool Raster_WriteStream(const std::vector<TRasterPage>& pages, bool compressed, 
   return ok;
 }
 
+// 'Raster_WritePwgStream()' - libcups' PWG (or Apple) mode with sRGB headers.
+bool Raster_WritePwgStream(const std::vector<TRasterPage>& pages, std::string* out, bool apple) {
+  if (!out) return false;
+  out->clear();
+  cups_raster_t* ras = cupsRasterOpenIO(Raster_Append, out, apple ? CUPS_RASTER_WRITE_APPLE : CUPS_RASTER_WRITE_PWG);
+  if (!ras) return false;
+  bool ok = true;
+  for (const TRasterPage& page : pages) {
+    cups_page_header2_t header = page.header;
+    header.cupsColorSpace = CUPS_CSPACE_SRGB;
+    header.cupsNumColors = 3;
+    header.cupsColorOrder = CUPS_ORDER_CHUNKED;
+    header.cupsInteger[0] = static_cast<unsigned>(pages.size());  // TotalPageCount
+    if (!cupsRasterWriteHeader2(ras, &header)) {
+      ok = false;
+      break;
+    }
+    std::vector<uint8_t> copy(page.data);
+    if (!copy.empty() && cupsRasterWritePixels(ras, copy.data(), static_cast<unsigned>(copy.size())) == 0) {
+      ok = false;
+      break;
+    }
+  }
+  cupsRasterClose(ras);
+  return ok;
+}
+
 // 'Raster_WriteFile()' - Encode the pages and write them to path.
 bool Raster_WriteFile(const std::vector<TRasterPage>& pages, bool compressed, const std::string& path) {
   std::string bytes;

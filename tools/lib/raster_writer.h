@@ -40,6 +40,12 @@ void Raster_FillRect(TRasterPage* page, uint32_t x, uint32_t y, uint32_t w, uint
 bool Raster_WriteStream(const std::vector<TRasterPage>& pages, bool compressed, std::string* out,
                         size_t truncateAt = SIZE_MAX);
 
+// 'Raster_WritePwgStream()' - Write 8-bit RGB pages as a PWG raster stream
+// into *out, as IPP clients send it: colour space sRGB, each header with
+// the fields PWG raster keeps; with apple true, as an Apple raster (URF)
+// stream instead.  False when libcups refuses a page.
+bool Raster_WritePwgStream(const std::vector<TRasterPage>& pages, std::string* out, bool apple = false);
+
 // 'Raster_WriteFile()' - The same, into the file at path (created or
 // replaced; a symbolic link or special file there is refused).
 bool Raster_WriteFile(const std::vector<TRasterPage>& pages, bool compressed, const std::string& path);

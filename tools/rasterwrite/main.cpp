@@ -36,6 +36,8 @@ static const char USAGE[] =
     "      --tumble         set Tumble in every header\n"
     "      --copies N       NumCopies (default 1)\n"
     "  -c, --compressed     write a compressed stream (default uncompressed)\n"
+    "      --pwg            write a PWG raster stream (sRGB, as IPP clients send it)\n"
+    "      --apple          write an Apple raster (URF) stream (sRGB)\n"
     "      --page-bytes N   keep only the first N bytes of each page's pixel data\n"
     "      --truncate N     stop the whole stream after N bytes\n"
     "  -h, --help           show this text\n"
@@ -47,12 +49,12 @@ struct TWriteOptions {
   uint32_t width = 1036, height = 664, dpi = 300;
   long colorSpace = -1, bits = -1, bitsPerPixel = -1, bytesPerLine = -1, claimHeight = -1;
   long copies = -1, pageBytes = -1, truncateAt = -1;
-  bool duplex = false, tumble = false, compressed = false;
+  bool duplex = false, tumble = false, compressed = false, pwg = false, apple = false;
 };
 
 enum {
   OPT_COLORSPACE = 256, OPT_BITS, OPT_BPP, OPT_BPL, OPT_CLAIM, OPT_DUPLEX, OPT_TUMBLE,
-  OPT_COPIES, OPT_PAGEBYTES, OPT_TRUNCATE
+  OPT_COPIES, OPT_PAGEBYTES, OPT_TRUNCATE, OPT_PWG, OPT_APPLE
 };
 
 static const struct option LONG_OPTIONS[] = {
@@ -64,7 +66,7 @@ static const struct option LONG_OPTIONS[] = {
     {"claim-height", required_argument, nullptr, OPT_CLAIM},
     {"duplex", no_argument, nullptr, OPT_DUPLEX},     {"tumble", no_argument, nullptr, OPT_TUMBLE},
     {"copies", required_argument, nullptr, OPT_COPIES},
-    {"compressed", no_argument, nullptr, 'c'},        {"page-bytes", required_argument, nullptr, OPT_PAGEBYTES},
+    {"compressed", no_argument, nullptr, 'c'},        {"pwg", no_argument, nullptr, OPT_PWG},          {"apple", no_argument, nullptr, OPT_APPLE},        {"page-bytes", required_argument, nullptr, OPT_PAGEBYTES},
     {"truncate", required_argument, nullptr, OPT_TRUNCATE},
     {"help", no_argument, nullptr, 'h'},              {nullptr, 0, nullptr, 0},
 };
@@ -86,7 +88,7 @@ static int Write_ParseOptions(int argc, char** argv, TWriteOptions* o) {
   int c;
   while ((c = getopt_long(argc, argv, "o:W:H:r:ch", LONG_OPTIONS, nullptr)) != -1) {
     long v = 0;
-    bool numeric = c != 'o' && c != 'c' && c != 'h' && c != OPT_DUPLEX && c != OPT_TUMBLE;
+    bool numeric = c != 'o' && c != 'c' && c != 'h' && c != OPT_DUPLEX && c != OPT_TUMBLE && c != OPT_PWG && c != OPT_APPLE;
     if (c == '?') return -2;
     if (numeric && !Write_Number(optarg, &v)) {
       fprintf(stderr, "brellian-rasterwrite: not a number: %s\n", optarg);
@@ -106,6 +108,8 @@ static int Write_ParseOptions(int argc, char** argv, TWriteOptions* o) {
       case OPT_TUMBLE: o->tumble = true; break;
       case OPT_COPIES: o->copies = v; break;
       case 'c': o->compressed = true; break;
+      case OPT_PWG: o->pwg = true; break;
+      case OPT_APPLE: o->apple = true; break;
       case OPT_PAGEBYTES: o->pageBytes = v; break;
       case OPT_TRUNCATE: o->truncateAt = v; break;
       case 'h': fputs(USAGE, stdout); return -1;
@@ -184,7 +188,9 @@ int main(int argc, char** argv) {
   }
   std::string bytes;
   size_t cut = o.truncateAt >= 0 ? static_cast<size_t>(o.truncateAt) : SIZE_MAX;
-  if (!Raster_WriteStream(pages, o.compressed, &bytes, cut)) {
+  bool written = o.pwg || o.apple ? Raster_WritePwgStream(pages, &bytes, o.apple)
+                                  : Raster_WriteStream(pages, o.compressed, &bytes, cut);
+  if (!written) {
     fputs("brellian-rasterwrite: libcups refused a page header or its pixels\n", stderr);
     return 1;
   }

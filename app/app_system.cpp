@@ -1,0 +1,133 @@
+// The PAPPL system of the application: server options, drivers, labels, per-printer pages and the state file.
+// Copyright 2026 The rastertobrellian authors.
+#include "app_system.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "accessories.h"
+#include "driver.h"
+#include "models.h"
+#include "vendor_table.h"
+#include "web_pages.h"
+
+namespace {
+
+std::string g_stateFile;
+
+// 'Sys_StateFile()' - Where the printers are kept: /var/lib for root,
+// else under $XDG_CONFIG_HOME (or ~/.config).
+std::string Sys_StateFile() {
+  if (getuid() == 0 && !getenv("XDG_CONFIG_HOME")) return "/var/lib/brellian-printer-app.state";
+  const char* xdg = getenv("XDG_CONFIG_HOME");
+  std::string dir;
+  if (xdg && *xdg) {
+    dir = xdg;
+  } else {
+    const char* home = getenv("HOME");
+    dir = std::string(home && *home ? home : "/tmp") + "/.config";
+  }
+  mkdir(dir.c_str(), 0700);
+  return dir + "/brellian-printer-app.state";
+}
+
+// 'Sys_LogLevel()' - A log-level option value.
+pappl_loglevel_t Sys_LogLevel(const char* v) {
+  if (!v) return PAPPL_LOGLEVEL_WARN;
+  if (!strcmp(v, "fatal")) return PAPPL_LOGLEVEL_FATAL;
+  if (!strcmp(v, "error")) return PAPPL_LOGLEVEL_ERROR;
+  if (!strcmp(v, "info")) return PAPPL_LOGLEVEL_INFO;
+  if (!strcmp(v, "debug")) return PAPPL_LOGLEVEL_DEBUG;
+  return PAPPL_LOGLEVEL_WARN;
+}
+
+// 'Sys_ServerOptions()' - The server-options list.
+pappl_soptions_t Sys_ServerOptions(const char* v) {
+  pappl_soptions_t o = PAPPL_SOPTIONS_MULTI_QUEUE | PAPPL_SOPTIONS_WEB_INTERFACE;
+  if (!v) return o;
+  std::string list = v;
+  size_t pos = 0;
+  while (pos <= list.size()) {
+    size_t comma = list.find(',', pos);
+    std::string w = list.substr(pos, comma == std::string::npos ? std::string::npos : comma - pos);
+    pos = comma == std::string::npos ? list.size() + 1 : comma + 1;
+    if (w == "dnssd-host") o |= PAPPL_SOPTIONS_DNSSD_HOST;
+    else if (w == "no-multi-queue") o &= ~static_cast<pappl_soptions_t>(PAPPL_SOPTIONS_MULTI_QUEUE);
+    else if (w == "raw-socket") o |= PAPPL_SOPTIONS_RAW_SOCKET;
+    else if (w == "usb-printer") o |= PAPPL_SOPTIONS_USB_PRINTER;
+    else if (w == "no-web-interface") o &= ~static_cast<pappl_soptions_t>(PAPPL_SOPTIONS_WEB_INTERFACE);
+    else if (w == "web-log") o |= PAPPL_SOPTIONS_WEB_LOG;
+    else if (w == "web-network") o |= PAPPL_SOPTIONS_WEB_NETWORK;
+    else if (w == "web-remote") o |= PAPPL_SOPTIONS_WEB_REMOTE;
+    else if (w == "web-security") o |= PAPPL_SOPTIONS_WEB_SECURITY;
+    else if (w == "web-tls") o |= PAPPL_SOPTIONS_WEB_TLS;
+    else if (w == "no-tls") o |= PAPPL_SOPTIONS_NO_TLS;
+  }
+  return o;
+}
+
+// 'Sys_Drivers()' - The driver list, with a device ID for each model.
+std::vector<pappl_pr_driver_t>& Sys_Drivers() {
+  static std::vector<pappl_pr_driver_t> drivers;
+  static std::vector<std::string> ids;
+  if (drivers.empty()) {
+    int32_t count = 0;
+    const TAppModel* models = App_Models(&count);
+    ids.reserve(static_cast<size_t>(count));
+    for (int32_t i = 0; i < count; ++i) {
+      ids.push_back("MFG:Brellian;MDL:BR-" + std::to_string(models[i].id) + ";CMD:BRELLIAN;");
+      drivers.push_back({models[i].driverName, models[i].description, ids.back().c_str(), nullptr});
+    }
+  }
+  return drivers;
+}
+
+}  // namespace
+
+// 'App_PrinterCreated()' - Accessories and pages of one printer.
+void App_PrinterCreated(pappl_printer_t* printer, void*) {
+  const TAppModel* model = App_FindModel(papplPrinterGetDriverName(printer));
+  if (!model) return;
+  Driver_Apply(printer, *model, Acc_Load(printer, *model));
+  Web_AddPrinterPages(printer);
+}
+
+// 'App_SystemCallback()' - The system, as the "server" sub-command asks.
+pappl_system_t* App_SystemCallback(int num_options, cups_option_t* options, void*) {
+  const char* portText = cupsGetOption("server-port", num_options, options);
+  int port = portText ? atoi(portText) : 0;
+  const char* authService = cupsGetOption("auth-service", num_options, options);
+  pappl_soptions_t soptions = Sys_ServerOptions(cupsGetOption("server-options", num_options, options));
+  pappl_system_t* system = papplSystemCreate(
+      soptions, cupsGetOption("server-name", num_options, options) ? cupsGetOption("server-name", num_options, options)
+                                                                  : "Brellian Card Printers",
+      port, "_print,_universal", cupsGetOption("spool-directory", num_options, options),
+      cupsGetOption("log-file", num_options, options), Sys_LogLevel(cupsGetOption("log-level", num_options, options)),
+      authService, false);
+  if (!system) return nullptr;
+  const char* listen = cupsGetOption("listen-hostname", num_options, options);
+  papplSystemAddListeners(system, listen);
+  if (const char* host = cupsGetOption("server-hostname", num_options, options)) papplSystemSetHostName(system, host);
+  if (const char* group = cupsGetOption("admin-group", num_options, options)) papplSystemSetAdminGroup(system, group);
+  std::vector<pappl_pr_driver_t>& drivers = Sys_Drivers();
+  papplSystemSetPrinterDrivers(system, static_cast<int>(drivers.size()), drivers.data(), Driver_AutoAdd,
+                               App_PrinterCreated, Driver_Callback, nullptr);
+  static const std::string strings = Vendor_StringsText();
+  papplSystemAddStringsData(system, "/en.strings", "en", strings.c_str());
+  papplSystemSetFooterHTML(system, "Brellian card printer application " BRELLIAN_APP_VERSION);
+  pappl_version_t version = {};
+  snprintf(version.name, sizeof(version.name), "brellian-printer-app");
+  snprintf(version.sversion, sizeof(version.sversion), BRELLIAN_APP_VERSION);
+  sscanf(BRELLIAN_APP_VERSION, "%hu.%hu.%hu", &version.version[0], &version.version[1], &version.version[2]);
+  papplSystemSetVersions(system, 1, &version);
+  g_stateFile = Sys_StateFile();
+  papplSystemLoadState(system, g_stateFile.c_str());
+  papplSystemSetSaveCallback(system, reinterpret_cast<pappl_save_cb_t>(papplSystemSaveState),
+                             const_cast<char*>(g_stateFile.c_str()));
+  return system;
+}

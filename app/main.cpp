@@ -1,0 +1,35 @@
+// brellian-printer-app: an IPP Everywhere printer application for Brellian card printers.
+// Copyright 2026 The rastertobrellian authors.
+#include <pappl/pappl.h>
+#include <signal.h>
+
+#include <cstdio>
+#include <vector>
+
+#include "app_system.h"
+#include "driver.h"
+#include "models.h"
+#include "tool_model.h"
+
+#if defined(__SANITIZE_ADDRESS__)
+// 'main' of a sanitizer build: PAPPL and libcups keep allocations to the
+// end of the process by design (the client sub-commands never free their
+// options); only leaks in our own code are reported.
+extern "C" const char* __lsan_default_suppressions() { return "leak:libpappl.so\nleak:libcups.so\n"; }
+#endif
+
+// 'App_Usage()' - The text of --help beyond PAPPL's own.
+static void App_Usage(void*) { fputs(App_UsageText(), stdout); }
+
+// 'main()' - PAPPL's main loop with the three drivers.
+int main(int argc, char* argv[]) {
+  signal(SIGPIPE, SIG_IGN);  // a filter that ends early must not end the server
+  Tool_Init();               // model tables for the presets; the library's trace log silent
+  int32_t count = 0;
+  const TAppModel* models = App_Models(&count);
+  static std::vector<pappl_pr_driver_t> drivers;
+  for (int32_t i = 0; i < count; ++i)
+    drivers.push_back({models[i].driverName, models[i].description, nullptr, nullptr});
+  return papplMainloop(argc, argv, BRELLIAN_APP_VERSION, nullptr, static_cast<int>(drivers.size()), drivers.data(),
+                       Driver_AutoAdd, Driver_Callback, nullptr, nullptr, App_SystemCallback, App_Usage, nullptr);
+}

@@ -1,0 +1,38 @@
+// The printer models the application drives: names, resolutions, sides and media.
+// Copyright 2026 The rastertobrellian authors.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+// One model as the application offers it.
+struct TAppModel {
+  uint32_t id;              // 1030, 1035, 1060
+  const char* driverName;   // PAPPL driver name, e.g. "brellian_1060"
+  const char* description;  // driver description shown in lists
+  const char* ppdName;      // file name of the model's PPD
+  int32_t dpi;              // the model's resolution
+  bool twoSided;            // a flip-turn unit can be installed
+};
+
+// Media of every model: CR80 landscape and portrait, the whole panel.
+constexpr int32_t APP_MEDIA_COUNT = 4;
+extern const char* const g_appMedia[APP_MEDIA_COUNT];
+
+// 'App_Models()' - The three models; *count receives their number.
+const TAppModel* App_Models(int32_t* count);
+
+// 'App_FindModel()' - The model of a driver name, or nullptr.
+const TAppModel* App_FindModel(const char* driverName);
+
+// 'App_ModelFromDeviceId()' - The model a device ID names (its MDL or DESC
+// field holding 1030, 1035 or 1060 from a maker called Brellian), or nullptr.
+const TAppModel* App_ModelFromDeviceId(const char* deviceId);
+
+// 'App_PpdPath()' - Full path of the model's PPD: the build's PPD directory,
+// or $BRELLIAN_PPD_DIR when set.
+std::string App_PpdPath(const TAppModel& model);
+
+// 'App_FilterPath()' - The rastertobrellian the application runs:
+// $BRELLIAN_FILTER when set, else the path fixed at build time.
+std::string App_FilterPath();

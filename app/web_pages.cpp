@@ -1,0 +1,23 @@
+// Registration of the per-printer web pages.
+// Copyright 2026 The rastertobrellian authors.
+#include "web_pages.h"
+
+// 'Web_AddPrinterPages()' - Two resources and two links per printer.
+void Web_AddPrinterPages(pappl_printer_t* printer) {
+  pappl_system_t* system = papplPrinterGetSystem(printer);
+  char path[256];
+  papplPrinterGetPath(printer, "presets", path, sizeof(path));
+  papplSystemAddResourceCallback(system, path, "text/html", Web_PresetsPage, printer);
+  papplPrinterAddLink(printer, "Card presets", path, PAPPL_LOPTIONS_CONFIGURATION | PAPPL_LOPTIONS_NAVIGATION);
+  papplPrinterGetPath(printer, "device", path, sizeof(path));
+  papplSystemAddResourceCallback(system, path, "text/html", Web_DevicePage, printer);
+  papplPrinterAddLink(printer, "Device settings", path, PAPPL_LOPTIONS_CONFIGURATION | PAPPL_LOPTIONS_NAVIGATION);
+}
+
+// 'Web_RemovePrinterPages()' - The resources of a deleted printer.
+void Web_RemovePrinterPages(pappl_printer_t* printer, pappl_pr_driver_data_t*) {
+  pappl_system_t* system = papplPrinterGetSystem(printer);
+  char path[256];
+  papplSystemRemoveResource(system, papplPrinterGetPath(printer, "presets", path, sizeof(path)));
+  papplSystemRemoveResource(system, papplPrinterGetPath(printer, "device", path, sizeof(path)));
+}

@@ -1,0 +1,16 @@
+// The application's own web pages: per-printer card presets and device settings.
+// Copyright 2026 The rastertobrellian authors.
+#pragma once
+
+#include <pappl/pappl.h>
+
+// 'Web_AddPrinterPages()' - Register a printer's "Card presets" and
+// "Device settings" pages and their links.
+void Web_AddPrinterPages(pappl_printer_t* printer);
+
+// 'Web_RemovePrinterPages()' - Unregister them when the printer goes.
+void Web_RemovePrinterPages(pappl_printer_t* printer, pappl_pr_driver_data_t* data);
+
+// The page handlers (resource callbacks, data is the printer).
+bool Web_DevicePage(pappl_client_t* client, void* data);
+bool Web_PresetsPage(pappl_client_t* client, void* data);

@@ -1,0 +1,123 @@
+"""The Card presets page in a real browser (Debian's headless Chromium): each change reaches the next job."""
+# Copyright 2026 The rastertobrellian authors.
+import json
+import os
+import random
+import shutil
+import subprocess
+import unittest
+
+import app_harness as h
+from test_presets_web import BUILD, SETTINGS_DIR, TOOLS, lut_payloads, panel_data, panel_types
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+PLAYWRIGHT_DIR = os.path.join(BUILD, "printer-app-browser")
+
+
+def install_driver():
+    """playwright-core from the npm registry into the build tree, once."""
+    if os.path.isdir(os.path.join(PLAYWRIGHT_DIR, "node_modules", "playwright-core")):
+        return
+    os.makedirs(PLAYWRIGHT_DIR, exist_ok=True)
+    shutil.copy(os.path.join(HERE, "browser", "package.json"), PLAYWRIGHT_DIR)
+    subprocess.run(["npm", "install", "--no-audit", "--no-fund", "--loglevel=error"], cwd=PLAYWRIGHT_DIR, check=True,
+                   timeout=300)
+
+
+class PresetsBrowserTest(unittest.TestCase):
+
+    @classmethod
+    def setUpClass(cls):
+        install_driver()
+        cls.server = h.AppServer(BUILD)
+        cls.server.start()
+        cls.out = cls.server.add_printer("browser60", "brellian_1060")
+        cls.raster = os.path.join(cls.server.tmp, "card.pwg")
+        subprocess.run([os.path.join(TOOLS, "brellian-rasterwrite"), "--pwg", "-r", "600", "-W", "2072", "-H", "1328",
+                        "-o", cls.raster, "pattern"], check=True)
+        cls.serial = "B%06x" % random.randrange(1 << 24)
+        status, body = h.http_request(cls.server, "GET", "/browser60/device")
+        forms, _ = h.parse_page(body)
+        status, text = h.post_form(cls.server, "/browser60/device", forms[0],
+                                   {"serial": cls.serial, "ribbon-type": "YMCK-UV", "flip-turn": "on"})
+        assert "Device settings saved." in text, text
+        cls.settings_file = os.path.join(SETTINGS_DIR, "brellian_br-1060_%s.dat" % cls.serial.lower())
+        cls.jobs = 0
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.server.stop(keep=os.environ.get("BRELLIAN_KEEP_TEST_DIR") == "1")
+        conf = os.path.join(BUILD, "sysroot", "etc", "brellian")
+        for p in (cls.settings_file, os.path.join(conf, "uv", cls.serial + ".uv"),
+                  os.path.join(conf, "lut", cls.serial + ".csv")):
+            if os.path.exists(p):
+                os.unlink(p)
+
+    def browse(self, steps, shot):
+        steps_file = os.path.join(self.server.tmp, "steps.json")
+        with open(steps_file, "w") as f:
+            json.dump(steps, f)
+        env = dict(os.environ, BRELLIAN_PLAYWRIGHT_DIR=PLAYWRIGHT_DIR, TMPDIR=self.server.tmp)
+        r = subprocess.run(["node", os.path.join(HERE, "browser", "presets_browser.cjs"),
+                            self.server.url("/browser60/presets"), steps_file, shot],
+                           capture_output=True, text=True, env=env, timeout=300)
+        self.assertEqual(r.returncode, 0, r.stderr)
+        self.assertTrue(os.path.getsize(shot) > 0)
+        return json.loads(r.stdout)
+
+    def print_card(self, attrs):
+        type(self).jobs += 1
+        name = "browser-%d" % self.jobs
+        job = h.ipp_print(self.server, "browser60", self.raster, "image/pwg-raster", name, attrs)
+        self.assertEqual(job["job-state"], "completed", job)
+        with open(os.path.join(self.out, name + ".brj"), "rb") as f:
+            return f.read()
+
+    def settings_bytes(self):
+        with open(self.settings_file, "rb") as f:
+            return f.read()
+
+    def test_changes_in_the_browser_reach_the_next_job(self):
+        attrs = [("keyword", "brellian-front-ribbon", "color-k"), ("keyword", "brellian-front-resin", "preset-3"),
+                 ("keyword", "brellian-front-uv", "preset-5"), ("keyword", "brellian-front-color-table", "table-2")]
+        before = self.print_card(attrs)
+        self.assertNotIn(2, panel_types(before))
+        png = os.path.join(self.server.tmp, "uv.png")
+        with open(png, "wb") as f:
+            f.write(h.png_rgb(120, 80, lambda x, y: (0, 0, 0) if x < 60 else (255, 255, 255)))
+        csv = os.path.join(self.server.tmp, "table.csv")
+        with open(csv, "w") as f:
+            f.write(h.lut_csv(lambda i: i // 2))
+        results = self.browse([
+            {"fill": {"resin.3.include.1": "4mm 4mm 30mm 10mm"}, "submit": "save-settings"},
+            {"select": {"uv-preset": "5", "uv-fit": "fit"}, "fill": {"uv-name": self.serial + ".uv"},
+             "file": {"uv-file": png}, "submit": "upload-uv"},
+            {"select": {"lut-table": "2"}, "fill": {"lut-name": self.serial}, "file": {"lut-file": csv},
+             "submit": "upload-lut"},
+        ], os.path.join(self.server.tmp, "presets.png"))
+        self.assertEqual([r["error"] for r in results], [False, False, False], results)
+        self.assertEqual(results[0]["message"], "Presets saved.")
+        self.assertIn("installed as UV preset 5", results[1]["message"])
+        self.assertIn("installed as table 2", results[2]["message"])
+        after = self.print_card(attrs)
+        self.assertNotEqual(panel_data(before, 1), panel_data(after, 1), "the new resin area changes the black panel")
+        self.assertIn(2, panel_types(after), "the uploaded UV picture gives a UV panel")
+        self.assertNotEqual(lut_payloads(before), lut_payloads(after), "the uploaded colour table is sent")
+
+        kept = self.settings_bytes()
+        bad = os.path.join(self.server.tmp, "bad.csv")
+        with open(bad, "w") as f:
+            f.write("level,red,green,blue\n0,0,0\n")
+        results = self.browse([{"select": {"lut-table": "1"}, "fill": {"lut-name": "bad"}, "file": {"lut-file": bad},
+                                "submit": "upload-lut"}], os.path.join(self.server.tmp, "bad.png"))
+        self.assertTrue(results[0]["error"], results)
+        self.assertIn("Not a usable colour table", results[0]["message"])
+        self.assertEqual(kept, self.settings_bytes(), "a bad upload changes nothing")
+
+
+if __name__ == "__main__":
+    missing = [t for t in ("/usr/bin/chromium", shutil.which("node"), shutil.which("npm")) if not t or not os.path.exists(t)]
+    if missing:
+        print("SKIPPED: the browser test needs Debian's chromium, node and npm (scripts/install-deps.sh --full)")
+        raise SystemExit(77)
+    unittest.main(verbosity=2)

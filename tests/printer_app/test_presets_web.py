@@ -1,0 +1,171 @@
+"""The Card presets and Device settings pages of brellian-printer-app over HTTP: each change reaches the next job."""
+# Copyright 2026 The rastertobrellian authors.
+import os
+import random
+import subprocess
+import unittest
+
+import app_harness as h
+
+BUILD = os.environ.get("BRELLIAN_BUILD_DIR", os.path.join(os.path.dirname(__file__), "..", "..", "build-test"))
+TOOLS = os.path.join(BUILD, "tools")
+SETTINGS_DIR = os.path.join(BUILD, "sysroot", "etc", "brellian", "settings")
+
+
+def panel_types(stream):
+    """The panel type of every start-image record of a job stream."""
+    return [stream[pos + 10] for pos, rtype, _ in h.records(stream) if rtype == 8]
+
+
+def panel_data(stream, panel):
+    """The bytes of every panel of one type (0 colour, 1 black, 2 UV, 3 overlay), joined."""
+    out, current = [], None
+    for pos, rtype, length in h.records(stream):
+        if rtype == 8:
+            current = stream[pos + 10]
+        elif rtype == 9:
+            current = None
+        elif rtype == 10 and current == panel:
+            out.append(stream[pos + 6:pos + 6 + length])
+    return b"".join(out)
+
+
+def lut_payloads(stream):
+    return [stream[pos + 6:pos + 6 + length] for pos, rtype, length in h.records(stream) if rtype == 11]
+
+
+class PresetsWebTest(unittest.TestCase):
+    """One 1060 printer with a UV ribbon; its presets changed through the page, jobs printed after each change."""
+
+    @classmethod
+    def setUpClass(cls):
+        cls.server = h.AppServer(BUILD)
+        cls.server.start()
+        cls.out = cls.server.add_printer("web60", "brellian_1060")
+        cls.raster = os.path.join(cls.server.tmp, "card.pwg")
+        subprocess.run([os.path.join(TOOLS, "brellian-rasterwrite"), "--pwg", "-r", "600", "-W", "2072", "-H", "1328",
+                        "-o", cls.raster, "pattern"], check=True)
+        cls.serial = "W%06x" % random.randrange(1 << 24)
+        status, body = h.http_request(cls.server, "GET", "/web60/device")
+        forms, _ = h.parse_page(body)
+        status, text = h.post_form(cls.server, "/web60/device", forms[0],
+                                   {"serial": cls.serial, "ribbon-type": "YMCK-UV", "flip-turn": "on"})
+        assert "Device settings saved." in text, text
+        cls.settings_file = os.path.join(SETTINGS_DIR, "brellian_br-1060_%s.dat" % cls.serial.lower())
+        cls.jobs = 0
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.server.stop(keep=os.environ.get("BRELLIAN_KEEP_TEST_DIR") == "1")
+        conf = os.path.join(BUILD, "sysroot", "etc", "brellian")
+        for path in (cls.settings_file, os.path.join(conf, "uv", cls.serial + ".uv"),
+                     os.path.join(conf, "lut", cls.serial + "inv.csv")):
+            if os.path.exists(path):
+                os.unlink(path)
+
+    def presets_form(self, action, source=None):
+        status, body = h.http_request(self.server, "GET", "/web60/presets", source=source)
+        self.assertEqual(status, 200)
+        forms, text = h.parse_page(body)
+        for f in forms:
+            if f["fields"].get("action") == action:
+                return f, text
+        self.fail("no %s form on the page: %s" % (action, text[-500:]))
+
+    def settings_bytes(self):
+        if not os.path.exists(self.settings_file):
+            return None
+        with open(self.settings_file, "rb") as f:
+            return f.read()
+
+    def print_card(self, attrs):
+        """Print the pattern with the attributes; the device output."""
+        type(self).jobs += 1
+        name = "web-%d" % self.jobs
+        job = h.ipp_print(self.server, "web60", self.raster, "image/pwg-raster", name, attrs)
+        self.assertEqual(job["job-state"], "completed", job)
+        with open(os.path.join(self.out, name + ".brj"), "rb") as f:
+            return f.read()
+
+    def test_1_area_change_reaches_the_next_job(self):
+        attrs = [("keyword", "brellian-front-ribbon", "color-k"), ("keyword", "brellian-front-resin", "preset-2")]
+        before = self.print_card(attrs)
+        form, _ = self.presets_form("settings")
+        status, text = h.post_form(self.server, "/web60/presets", form, {"resin.2.include.1": "3mm 3mm 40mm 12mm"})
+        self.assertIn("Presets saved.", text)
+        show = subprocess.run([os.path.join(TOOLS, "brellian-settings"), "--file", self.settings_file, "show"],
+                              capture_output=True, text=True)
+        self.assertIn("resin.2.include.1 = 3mm 3mm 40mm 12mm", show.stdout + show.stderr)
+        after = self.print_card(attrs)
+        self.assertNotEqual(h.mask_card_ids(before)[0], h.mask_card_ids(after)[0], "the new area changes the card")
+        self.assertNotEqual(panel_data(before, 1), panel_data(after, 1), "the resin area changes the black panel")
+
+    def test_2_uv_upload_reaches_the_next_job(self):
+        attrs = [("keyword", "brellian-front-uv", "preset-4")]
+        self.assertNotIn(2, panel_types(self.print_card(attrs)), "no UV file yet: no UV panel")
+        form, _ = self.presets_form("uv")
+        png = h.png_rgb(207, 132, lambda x, y: (0, 0, 0) if (x // 20 + y // 20) % 2 else (255, 255, 255))
+        status, text = h.post_form(self.server, "/web60/presets", form,
+                                   {"uv-preset": "4", "uv-name": self.serial + ".uv", "uv-fit": "stretch"},
+                                   files={"uv-file": ("logo.png", png, "image/png")})
+        self.assertIn("installed as UV preset 4", text)
+        self.assertIn(2, panel_types(self.print_card(attrs)), "the uploaded UV image gives a UV panel")
+
+    def test_3_lut_upload_reaches_the_next_job(self):
+        attrs = [("keyword", "brellian-front-color-table", "table-3")]
+        before = lut_payloads(self.print_card(attrs))
+        form, _ = self.presets_form("lut")
+        csv = h.lut_csv(lambda i: 255 - i).encode()
+        status, text = h.post_form(self.server, "/web60/presets", form,
+                                   {"lut-table": "3", "lut-name": self.serial + "inv"},
+                                   files={"lut-file": ("inv.csv", csv, "text/csv")})
+        self.assertIn("installed as table 3", text)
+        after = lut_payloads(self.print_card(attrs))
+        self.assertNotEqual(before, after, "the uploaded table is sent with the side")
+        self.assertIn(bytes([255, 254, 253]), after[0], "the inverted table is in the stream")
+
+    def test_4_bad_uploads_change_nothing(self):
+        before = self.settings_bytes()
+        form, _ = self.presets_form("lut")
+        status, text = h.post_form(self.server, "/web60/presets", form, {"lut-table": "1", "lut-name": "broken"},
+                                   files={"lut-file": ("broken.csv", b"level,red,green,blue\n0,1,2\n", "text/csv")})
+        self.assertIn("Not a usable colour table", text)
+        self.assertIn("Nothing was changed.", text)
+        form, _ = self.presets_form("uv")
+        status, text = h.post_form(self.server, "/web60/presets", form, {"uv-preset": "1", "uv-name": "broken.uv"},
+                                   files={"uv-file": ("broken.png", b"not a picture", "image/png")})
+        self.assertIn("Not a usable PNG picture", text)
+        form, _ = self.presets_form("settings")
+        status, text = h.post_form(self.server, "/web60/presets", form, {"resin.1.include.1": "3mm banana"})
+        self.assertIn("resin.1.include.1", text)
+        self.assertIn("Nothing was changed.", text)
+        self.assertEqual(before, self.settings_bytes())
+        self.assertFalse(os.path.exists(os.path.join(BUILD, "sysroot", "etc", "brellian", "lut", "broken.csv")))
+        self.assertFalse(os.path.exists(os.path.join(BUILD, "sysroot", "etc", "brellian", "uv", "broken.uv")))
+
+    def test_5_other_address_or_no_token_changes_nothing(self):
+        before = self.settings_bytes()
+        form, _ = self.presets_form("settings")
+        status, text = h.post_form(self.server, "/web60/presets", form, {"plugin": "remote-change"},
+                                   source="127.0.0.2")
+        self.assertIn("can be changed only from this machine", text)
+        form2, text2 = self.presets_form("settings", source="127.0.0.2")
+        self.assertIn("Read only", text2)
+        status, text = h.post_form(self.server, "/web60/presets", form2, {"plugin": "remote-change"},
+                                   source="127.0.0.2")
+        self.assertIn("Nothing was changed", text.replace("nothing was changed", "Nothing was changed"))
+        no_token = dict(form)
+        no_token["fields"] = {k: v for k, v in form["fields"].items() if k != "session"}
+        status, text = h.post_form(self.server, "/web60/presets", no_token, {"plugin": "no-token"})
+        self.assertIn("Invalid form data", text)
+        status, body = h.http_request(self.server, "GET", "/web60/device")
+        dev_form = h.parse_page(body)[0][0]
+        status, text = h.post_form(self.server, "/web60/device", dev_form, {"serial": "OTHER"}, source="127.0.0.2")
+        self.assertIn("can be changed only from this machine", text)
+        self.assertEqual(before, self.settings_bytes())
+        status, body = h.http_request(self.server, "GET", "/web60/device")
+        self.assertIn('value="%s"' % self.serial, body)
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
