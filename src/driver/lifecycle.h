@@ -21,8 +21,9 @@ void Proc_InstallSignalHandlers();
 // g_cancelJob.
 void Proc_InstallCancelHandler();
 
-// 'Proc_ExitHandler()' - Registered with atexit: destroys the task and ends
-// the process with g_exitStatus.
+// 'Proc_ExitHandler()' - Registered with atexit: pushes out the records
+// still buffered, destroys the task and ends the process with g_exitStatus
+// (in sanitizer builds after the leak check).
 void Proc_ExitHandler();
 
 // 'Proc_LogArguments()' - "ARG%d: %s" for every argument.

@@ -13,6 +13,7 @@
 #include "driver/dumps.h"
 #include "driver/globals.h"
 #include "driver/lifecycle.h"
+#include "driver/page_rows.h"
 #include "driver/printing_task.h"
 #include "imaging/page_process.h"
 #include "imaging/page_warnings.h"
@@ -27,8 +28,6 @@
 
 namespace {
 
-// Rows between two progress lines.
-constexpr uint32_t PROGRESS_ROWS = 128;
 // Pause after the raster file could not be opened.
 constexpr uint32_t OPEN_FAILURE_PAUSE_MS = 1000;
 // Blocks below this size come from the heap rather than from fresh mappings,
@@ -48,39 +47,6 @@ constexpr size_t HUGE_MIN_PANEL_BYTES = 4 * 1024 * 1024;
 // 'Loop_Arg()' - Argument i, or null when the command line is shorter.
 const char* Loop_Arg(const TPrintingTask* task, int32_t i) {
   return (task->argv && i < task->argc) ? task->argv[i] : nullptr;
-}
-
-// 'Loop_ReadRows()' - Read the rows of one page into the page buffer, with a
-// progress line every 128 rows.  Stops early when a read delivers nothing
-// or a cancel arrives (checked after every row).
-//
-// The page buffer comes unzeroed from CUPS_AllocPage: each row is zeroed
-// just before it is read into (a read that fails part way leaves the same
-// bytes as in a zero-filled block), and every row not reached is zeroed at
-// the end.  The page then holds exactly the bytes of a zero-filled page,
-// while a row is zeroed and filled while it is in the cache instead of the
-// whole page being cleared in a pass of its own.
-void Loop_ReadRows(TPrintingTask* task, cups_raster_t* raster, const cups_page_header2_t& header,
-                   int32_t page) {
-  uint8_t* buffer = task->pageBuffer;
-  if (!buffer) return;
-  uint32_t height = header.cupsHeight;
-  size_t lineBytes = header.cupsBytesPerLine;
-  uint32_t zeroed = 0;  // rows zeroed from the top
-  if (lineBytes == 0 || height == 0) buffer[0] = 0;  // the one-byte block of an empty page
-  for (uint32_t row = 0; row < height && !g_cancelJob; ++row) {
-    if (row % PROGRESS_ROWS == 0) {
-      uint64_t percent = static_cast<uint64_t>(row) * 100u / height;
-      fprintf(stderr, "INFO: Printing page %d, %d%% complete...\n", page,
-              static_cast<int>(percent));
-    }
-    uint8_t* line = buffer + static_cast<size_t>(row) * lineBytes;
-    memset(line, 0, lineBytes);
-    zeroed = row + 1;
-    if (cupsRasterReadPixels(raster, line, static_cast<unsigned>(lineBytes)) == 0) break;
-  }
-  if (zeroed < height)
-    memset(buffer + static_cast<size_t>(zeroed) * lineBytes, 0, static_cast<size_t>(height - zeroed) * lineBytes);
 }
 
 // 'Loop_KeepBuffers()' - Let the page, working and panel buffers of one
@@ -164,12 +130,18 @@ void TPrintingTask::run() {
     duplex = Raster_Word(header.Duplex) ? 1 : 0;
     tumble = Raster_Word(header.Tumble) ? 1 : 0;
     ++page;
-    CUPS_AllocPage(this, &header, false);  // Loop_ReadRows zeroes what it does not fill
+    // Once the card is complete a page is only read to its end: its rows
+    // go through one scratch row, never into a page buffer.
+    const bool drained = jobComplete != 0;
+    if (drained) CUPS_AdmitPage(this, &header);
+    else CUPS_AllocPage(this, &header, false);  // Loop_ReadRows zeroes what it does not fill
     ++pageCount;
     fprintf(stderr, "PAGE: %d %d\n", page, static_cast<int>(header.NumCopies));
-    Loop_ReadRows(this, raster, header, page);
+    if (drained) Loop_DrainRows(this, raster, header, page);
+    else Loop_ReadRows(this, raster, header, page);
     if (!g_cancelJob && jobComplete) Warn_PageBeyondCard(this, page);
     if (!g_cancelJob && !jobComplete) Page_Process(this, &header);
+    Loop_DrainRest(this, raster, header);
     {
       TSignalBlock hold;   // no exit handler while the allocator is busy
       free(pageBuffer);

@@ -21,4 +21,6 @@ TPrintingTask::~TPrintingTask() {
   Log_Write(LOG_LOG, "~TPrintingTask --> gracefull exit.");
   free(pageBuffer);
   pageBuffer = nullptr;
+  free(scratchRow);
+  scratchRow = nullptr;
 }

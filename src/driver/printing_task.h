@@ -39,6 +39,11 @@ class TPrintingTask {
   char** argv;                                  // not owned
   const cups_page_header2_t* pageHeader = nullptr;   // not owned
   uint8_t* pageBuffer = nullptr;                     // owned, may be null
+  // One line of raster data, owned: where the rows of pages that are read
+  // but never processed go (grown to the longest such line, kept for the
+  // job).
+  uint8_t* scratchRow = nullptr;
+  size_t scratchRowBytes = 0;
 
   // Job option strings.
   std::string modelName;

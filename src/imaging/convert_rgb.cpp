@@ -64,8 +64,9 @@ void Image_CopySource(const TImageSource& source, uint32_t width, uint32_t heigh
 
 // 'Image_CUPSToPrinterRGB()' - Turn the task's page (pageHeader, pageBuffer)
 // into a new W x H x 3 panel stored in *out, which the caller frees with
-// free().  Only 8-bit chunky RGB is accepted; a portrait page is turned a
-// quarter counter-clockwise; a page of any other size than the panel is
+// free().  Only 8-bit chunky RGB is accepted (a banded or planar page is
+// refused for its colour order); a portrait page is turned a quarter
+// counter-clockwise; a page of any other size than the panel is
 // fitted and resampled, and placed top-left on white.  A landscape page of
 // exactly the panel's size with rows of exactly 3 x W bytes is handed out
 // as it is: pageBuffer then moves to *out and the task's pointer is null.
@@ -84,6 +85,13 @@ int32_t Image_CUPSToPrinterRGB(TPrintingTask* task, uint8_t** out) {
   }
   if (bpp != 3) {
     Log_Write(LOG_LOG, "ERR: CUPS bytes per pixel = %d.  Only supports 3.", bpp);
+    return 1;
+  }
+  // Banded and planar lines hold one colour after the other, not pixels,
+  // even where their length would pass for three bytes per pixel.
+  uint32_t order = Raster_Word(header->cupsColorOrder);
+  if (order != CUPS_ORDER_CHUNKED) {
+    Log_Write(LOG_LOG, "ERR: CUPS color order = %d.  Only supports 0.", static_cast<int>(order));
     return 1;
   }
   // bpp 3 means lineBytes >= 3 w.  The page buffer holds lineBytes x h

@@ -74,12 +74,24 @@ bool CUPS_PageBytes(const cups_page_header2_t* header, uint64_t* bytes) {
   return line <= PAGE_MAX_LINE_BYTES && rows <= PAGE_MAX_ROWS && *bytes <= PAGE_MAX_BYTES;
 }
 
+// 'CUPS_NoMemory()' - The page could not be had: the spooler's message, and
+// the process ends at once with status 1.
+[[noreturn]] static void CUPS_NoMemory() {
+  fputs("ERROR: Unable to allocate memory!\n", stderr);
+  _exit(1);
+}
+
+// 'CUPS_LogPage()' - The line that announces every page's buffer.
+static void CUPS_LogPage(const cups_page_header2_t* header) {
+  Log_Write(LOG_LOG, "CUPS_AllocPage(%d,%d,%d)", static_cast<int>(header->cupsWidth),
+            static_cast<int>(header->cupsHeight), static_cast<int>(header->cupsBytesPerLine));
+}
+
 // 'CUPS_AllocPage()' - Allocate the zero-filled page buffer.  A header that
 // exceeds the caps, or an allocation that fails, ends the process at once
 // with status 1 after "ERROR: Unable to allocate memory!".
 int32_t CUPS_AllocPage(TPrintingTask* task, const cups_page_header2_t* header, bool zeroFill) {
-  Log_Write(LOG_LOG, "CUPS_AllocPage(%d,%d,%d)", static_cast<int>(header->cupsWidth),
-            static_cast<int>(header->cupsHeight), static_cast<int>(header->cupsBytesPerLine));
+  CUPS_LogPage(header);
   uint64_t bytes = 0;
   uint8_t* block = nullptr;
   {
@@ -91,11 +103,23 @@ int32_t CUPS_AllocPage(TPrintingTask* task, const cups_page_header2_t* header, b
       block = static_cast<uint8_t*>(zeroFill ? calloc(1, size) : malloc(size));
     }
   }
-  if (!block) {
-    fputs("ERROR: Unable to allocate memory!\n", stderr);
-    _exit(1);
-  }
+  if (!block) CUPS_NoMemory();
   task->pageBuffer = block;
+  return 0;
+}
+
+// 'CUPS_AdmitPage()' - The same line and the same caps as CUPS_AllocPage,
+// for a page that will only be drained: nothing is allocated, and a page
+// beyond the caps ends the job exactly as a failed allocation does.
+int32_t CUPS_AdmitPage(TPrintingTask* task, const cups_page_header2_t* header) {
+  CUPS_LogPage(header);
+  {
+    TSignalBlock hold;
+    free(task->pageBuffer);
+    task->pageBuffer = nullptr;
+  }
+  uint64_t bytes = 0;
+  if (!CUPS_PageBytes(header, &bytes)) CUPS_NoMemory();
   return 0;
 }
 

@@ -58,6 +58,11 @@ bool CUPS_PageBytes(const cups_page_header2_t* header, uint64_t* bytes);
 // read, so that the page holds the bytes of a zero-filled block).
 int32_t CUPS_AllocPage(TPrintingTask* task, const cups_page_header2_t* header, bool zeroFill = true);
 
+// 'CUPS_AdmitPage()' - For a page that is read but never processed (the
+// job's card is complete): the log line and the caps of CUPS_AllocPage,
+// with the same end when a cap is exceeded, but no page buffer.  Returns 0.
+int32_t CUPS_AdmitPage(TPrintingTask* task, const cups_page_header2_t* header);
+
 // 'Image_Rotate180()' - Turn a width x height image of elementSize-byte
 // pixels (at most 64) by 180 degrees in place.  Returns 0.
 int32_t Image_Rotate180(TPrintingTask* task, uint8_t* buffer, uint32_t width, uint32_t height,

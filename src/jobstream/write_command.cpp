@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "driver/printing_task.h"
+#include "jobstream/record_out.h"
 #include "jobstream/records.h"
 #include "log/log.h"
 
@@ -71,17 +72,16 @@ void Cmd_LogRecord(const uint8_t* r, uint16_t type, uint32_t length) {
 }  // namespace
 
 // 'Job_WriteCommand()' - Log a complete record and write its 6 + length
-// bytes to the task's output with one fwrite, then flush.  Write errors are
-// not checked: the job goes on.  Returns 0.
+// bytes to the task's output with one fwrite, then flush; the record goes
+// out whole or not at all (Rec_WriteWhole).  Write errors are not checked:
+// the job goes on.  Returns 0.
 int32_t Job_WriteCommand(TPrintingTask* task, const uint8_t* record) {
   Log_Write(LOG_ENTRYEXIT, ">>>> Job_WriteCommand");
   uint16_t type = Rec_Get16(record);
   uint32_t length = Rec_Get32(record + 2);
   Cmd_LogRecord(record, type, length);
   FILE* out = task->output ? task->output : stdout;
-  size_t unused = fwrite(record, 1, ICMD_HEADER_BYTES + static_cast<size_t>(length), out);
-  (void)unused;
-  fflush(out);
+  Rec_WriteWhole(out, record, ICMD_HEADER_BYTES + static_cast<size_t>(length), nullptr, 0, true);
   Log_Write(LOG_ENTRYEXIT, "<<<< Job_WriteCommand");
   return 0;
 }

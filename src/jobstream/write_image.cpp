@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "driver/printing_task.h"
+#include "jobstream/record_out.h"
 #include "jobstream/records.h"
 #include "log/log.h"
 
@@ -11,12 +12,12 @@ uint32_t Job_ImageRowsPerRecord(uint64_t rowBytes) {
 }
 
 // 'Job_WriteImageRecord()' - One ICMD_IMAGE record of n data bytes: its
-// header, then the bytes straight from data, neither logged nor flushed.
+// header, then the bytes straight from data, neither logged nor flushed,
+// the record whole or not at all (Rec_WriteWhole).
 void Job_WriteImageRecord(TPrintingTask* task, const uint8_t* data, uint32_t n) {
   uint8_t header[ICMD_HEADER_BYTES];
   Rec_ImageHeader(header, n);
-  fwrite(header, 1, sizeof header, task->output);
-  fwrite(data, 1, n, task->output);
+  Rec_WriteWhole(task->output, header, sizeof header, data, n, false);
 }
 
 // 'Job_WriteImage()' - ICMD_STARTIMAGE and ICMD_ENDIMAGE go through

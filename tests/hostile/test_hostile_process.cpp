@@ -11,6 +11,7 @@
 #include "raster_writer.h"
 #include "support/process.h"
 #include "support/hostile_harness.h"
+#include "support/signal_trial.h"
 
 namespace {
 
@@ -84,7 +85,8 @@ TEST(HostileProcess, TwentyThousandOneDotPages) {
 
 // SIGINT ends the process through exit(1) at any moment of a job of large
 // pages, including while the page buffer is allocated or freed; the exit
-// handler then delivers g_exitStatus.  No run may hang.
+// handler then delivers g_exitStatus.  No run may hang, and every stream is
+// made of whole records.
 TEST(HostileProcess, InterruptAtAnyMomentNeverHangs) {
   Test_ResetLog();
   Test_SetLogLevelWord("none");
@@ -102,6 +104,8 @@ TEST(HostileProcess, InterruptAtAnyMomentNeverHangs) {
     std::string why;
     EXPECT_TRUE(Hostile_Clean(r, &why)) << delayMs << ": " << why;
     EXPECT_TRUE(r.status == 0 || r.status == 1) << delayMs << ": " << r.status;
+    bool cut = false;
+    EXPECT_EQ("", Signal_StreamVerdict(r.out, &cut)) << delayMs;
   }
   Test_ResetLog();
 }
