@@ -64,9 +64,11 @@ set -euo pipefail
 trap 'echo "check-package: failed at line $LINENO of the check"; tail -n 30 /var/log/cups/error_log 2>/dev/null || true' ERR
 # A machine that never had the driver: no earlier install, no presets.
 rm -rf /etc/brellian /var/log/brellian /usr/lib/cups/filter/rastertobrellian /usr/share/ppd/brellian \
+       /usr/lib/cups/filter/pdftobrellian /usr/lib/cups/filter/texttobrellian \
        /usr/lib/cups/backend/usbbr /usr/share/cups/drv/brellian.drv
 dpkg -i /tmp/package.deb >/dev/null
 test -x /usr/lib/cups/filter/rastertobrellian
+test -x /usr/lib/cups/filter/pdftobrellian -a -x /usr/lib/cups/filter/texttobrellian
 # The USB backend runs as root: owned by root, mode 0700.
 test "$(stat -c '%U %a' /usr/lib/cups/backend/usbbr)" = "root 700"
 # The installed backend has no stand-in hook: it always runs the spooler's usb backend.

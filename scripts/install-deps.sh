@@ -12,6 +12,9 @@ if [ "${1:-}" = "--full" ]; then
   # The printer application's browser test drives chromium with a driver
   # from the npm registry; node and npm may come from outside Debian.
   command -v npm >/dev/null 2>&1 || packages+=(npm)
+  # Real documents of the end-to-end tests: a Code 128 bar code made with
+  # barcode, and a screenshot shipped in valgrind's documentation.
+  packages+=(barcode valgrind)
 fi
 
 missing=()

@@ -54,12 +54,11 @@ size_t CountApplied(const TStreamPanel* p, uint32_t x0, uint32_t y0, uint32_t x1
   return n;
 }
 
-// Points of the sample card to dots of the panel: the card renders to
-// 2022 x 1276 dots at 600 dpi (1011 x 638 at 300 dpi) and is scaled by the
-// width to fill the panel, anchored at the top-left corner.
+// Points of the sample card (from its top-left corner) to dots of the
+// panel: the card-sized page lands at its true size, centred on the panel
+// (about 3 points of rim on each side).
 uint32_t Dot(double points, uint32_t panelWidth) {
-  double cardDots = 242.65 / 72.0 * (panelWidth == 2072 ? 600 : 300);
-  return static_cast<uint32_t>(points / 72.0 * (panelWidth == 2072 ? 600 : 300) * panelWidth / cardDots);
+  return static_cast<uint32_t>((points + 3.0) / 72.0 * (panelWidth == 2072 ? 600 : 300));
 }
 
 class CupsfilterJobs : public ::testing::Test {
@@ -91,8 +90,8 @@ TEST_F(CupsfilterJobs, SampleCardColorKOnEveryModel) {
     const uint8_t* band = Rgb(color, Dot(100, w), Dot(8, w));
     EXPECT_LT(band[0], 80);
     EXPECT_GT(band[2], 120);
-    // White card stock at the right edge, and the white margin below the
-    // scaled card (the card is wider than the panel's aspect ratio).
+    // White card stock at the right edge, and the white rim of the panel
+    // below the card.
     const uint8_t* stock = Rgb(color, Dot(235, w), Dot(60, w));
     EXPECT_GE(stock[0], 250);
     EXPECT_GE(stock[2], 250);

@@ -107,6 +107,14 @@ TEST(PPDFiles, ModelFilterAndRaster) {
     std::string dpi = model == 1060 ? "600" : "300";
     EXPECT_TRUE(HasPrefix(lines, "*cupsModelNumber: " + std::to_string(model)));
     EXPECT_TRUE(HasPrefix(lines, "*cupsFilter: \"application/vnd.cups-raster 100 rastertobrellian\""));
+    // Documents reach the printer as PDF through pdftobrellian, text through
+    // texttobrellian; raster goes to rastertobrellian alone.
+    const char* finalType = " application/vnd.brellian-job-stream ";
+    EXPECT_TRUE(HasPrefix(lines, std::string("*cupsFilter2: \"application/vnd.cups-raster") + finalType +
+                                     "100 rastertobrellian\""));
+    EXPECT_TRUE(HasPrefix(lines, std::string("*cupsFilter2: \"application/vnd.cups-pdf") + finalType +
+                                     "30 pdftobrellian\""));
+    EXPECT_TRUE(HasPrefix(lines, std::string("*cupsFilter2: \"text/plain") + finalType + "10 texttobrellian\""));
     EXPECT_TRUE(HasPrefix(lines, "*DefaultResolution: " + dpi + "dpi"));
     EXPECT_TRUE(HasPrefix(lines, "*Resolution " + dpi + "dpi/" + dpi + " DPI: \"<</HWResolution[" +
                                      dpi + " " + dpi + "]/cupsBitsPerColor 8/"));
@@ -120,7 +128,8 @@ TEST(PPDFiles, ModelFilterAndRaster) {
 
 TEST(PPDFiles, CardAndPanelSizesInBothOrientations) {
   const struct { const char* name; double w, h; } sizes[] = {
-      {"CR80", 242.65, 153.07}, {"CR80Portrait", 153.07, 242.65},
+      // Every size is the whole panel; CR80 is kept as a name of it.
+      {"CR80", 248.64, 159.36}, {"CR80Portrait", 159.36, 248.64},
       {"Panel", 248.64, 159.36}, {"PanelPortrait", 159.36, 248.64},
   };
   for (int model : kModels) {

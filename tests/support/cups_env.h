@@ -20,7 +20,8 @@ std::string Cups_SampleCardPdf();
 std::string Cups_WorkDir(const std::string& name);
 
 // 'Cups_MakeServerBin()' - A ServerBin directory under dir whose filter/
-// holds the system's CUPS filters and the built rastertobrellian, whose
+// holds the system's CUPS filters, the built rastertobrellian and the
+// shipped pdftobrellian and texttobrellian, whose
 // backend/ holds the "capture" test backend (device URI
 // "capture:/path/to/file" writes the job to that file), with the other
 // folders linked to the system's.  Returns its path.
