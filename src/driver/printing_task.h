@@ -63,6 +63,10 @@ class TPrintingTask {
   int32_t sideOpen = 0;
   int32_t duplex = 0;
   int32_t tumble = 0;
+  // Pages read after the card was complete: the first one and how many
+  // (for the end-of-job warning; they are never printed).
+  int32_t firstPageBeyondCard = 0;
+  int32_t pagesBeyondCard = 0;
 
   // Job option record.
   int32_t printerModel = 0;

@@ -20,13 +20,6 @@ const char* const kSideNames[2] = {"Front", "Back"};
 const char* const kSideWords[2] = {"front", "back"};
 const char* const kPanelNames[4] = {"colour", "black", "UV", "overlay"};
 
-// Pages read after the card was complete: the first one and how many.
-struct TBeyondCard {
-  int32_t first = 0;
-  int32_t count = 0;
-};
-TBeyondCard g_beyondCard;
-
 // 'Warn_Side()' - The task's current side, 0 or 1.
 int32_t Warn_Side(const TPrintingTask* task) { return task->sideIndex == SIDE_BACK ? SIDE_BACK : SIDE_FRONT; }
 
@@ -127,15 +120,13 @@ void Warn_UVFileLeftOut(const TPrintingTask* task, const char* path) {
              kSideWords[s], static_cast<int>(task->uv(s) - 1), path, why.c_str());
 }
 
-// 'Warn_PageBeyondCard()' - Count the page.
-void Warn_PageBeyondCard(const TPrintingTask*, int32_t page) {
-  if (g_beyondCard.count++ == 0) g_beyondCard.first = page;
+// 'Warn_PageBeyondCard()' - Count the page on the task.
+void Warn_PageBeyondCard(TPrintingTask* task, int32_t page) {
+  if (task->pagesBeyondCard++ == 0) task->firstPageBeyondCard = page;
 }
 
 // 'Warn_JobEnd()' - The end-of-job checks.
 void Warn_JobEnd(const TPrintingTask* task, bool cancelled) {
-  TBeyondCard beyond = g_beyondCard;
-  g_beyondCard = TBeyondCard();
   if (cancelled) return;
   if (task->cardOpen && task->sideOpen) Warn_OpenSide(task);
   // The front side ended on a duplex page, and no page came for the back.
@@ -144,11 +135,12 @@ void Warn_JobEnd(const TPrintingTask* task, bool cancelled) {
   if (backMissing)
     Warn_Write("Back side not printed: the job asks for two-sided printing (Duplex) and has no page for "
                "the back");
-  if (beyond.count == 1)
+  const int32_t first = task->firstPageBeyondCard, count = task->pagesBeyondCard;
+  if (count == 1)
     Warn_Write("Page %d not printed: a job prints one card, and the card was complete after page %d",
-               static_cast<int>(beyond.first), static_cast<int>(beyond.first - 1));
-  else if (beyond.count > 1)
+               static_cast<int>(first), static_cast<int>(first - 1));
+  else if (count > 1)
     Warn_Write("%d pages not printed (pages %d to %d): a job prints one card, and the card was complete "
-               "after page %d", static_cast<int>(beyond.count), static_cast<int>(beyond.first),
-               static_cast<int>(beyond.first + beyond.count - 1), static_cast<int>(beyond.first - 1));
+               "after page %d", static_cast<int>(count), static_cast<int>(first),
+               static_cast<int>(first + count - 1), static_cast<int>(first - 1));
 }

@@ -23,11 +23,11 @@ void Warn_PanelLeftOut(const TPrintingTask* task, int32_t panelType);
 void Warn_UVFileLeftOut(const TPrintingTask* task, const char* path);
 
 // 'Warn_PageBeyondCard()' - Page number page is read after the card was
-// complete and is not printed; counted for Warn_JobEnd.
-void Warn_PageBeyondCard(const TPrintingTask* task, int32_t page);
+// complete and is not printed; counted on the task for Warn_JobEnd.
+void Warn_PageBeyondCard(TPrintingTask* task, int32_t page);
 
 // 'Warn_JobEnd()' - At the end of the page loop, before open sides and the
 // card are closed: a side that still waits for pages, a back side never
 // started, and the pages beyond the card.  Nothing is written for a
-// cancelled job.  Clears the count of Warn_PageBeyondCard.
+// cancelled job.
 void Warn_JobEnd(const TPrintingTask* task, bool cancelled);
