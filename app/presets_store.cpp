@@ -31,15 +31,6 @@ void Presets_Dirs() {
   mkdir(BRELLIAN_LUT_DIR, 0755);
 }
 
-// 'Presets_ReadUpload()' - An uploaded file, at most cap bytes.
-bool Presets_ReadUpload(const std::string& path, size_t cap, std::string* bytes, std::string* error) {
-  int32_t rc = File_ReadCapped(path.c_str(), cap, bytes);
-  if (rc == 0) return true;
-  *error = errno == EFBIG ? "The file is larger than " + std::to_string(cap / 1024) + " KiB."
-                          : "The uploaded file could not be read.";
-  return false;
-}
-
 // 'Presets_SetAndSave()' - One key set and the file written.
 bool Presets_SetAndSave(TBrellianSettings* settings, const TSettingsKey& key, const std::string& value,
                         std::string* error) {
@@ -71,15 +62,13 @@ bool Presets_ApplyValues(const std::string& serial, const std::map<std::string, 
 
 // 'Presets_InstallUv()' - PNG to UV file, then uv.N.
 bool Presets_InstallUv(const std::string& serial, uint32_t model, int preset, const std::string& name,
-                       const std::string& fit, const std::string& pngPath, std::string* error) {
+                       const std::string& fit, const std::string& png, std::string* error) {
   TUvFit how;
   if (preset < 1 || preset > 5) return *error = "The UV preset must be 1 to 5.", false;
   if (!File_IsSafeName(name.c_str())) return *error = "\"" + name + "\" is not a plain file name.", false;
   if (!Uv_ParseFit(fit, &how)) return *error = "Unknown fit \"" + fit + "\".", false;
-  std::string bytes;
-  if (!Presets_ReadUpload(pngPath, PRESETS_MAX_PNG_BYTES, &bytes, error)) return false;
   TPngImage rgb;
-  if (!Png_DecodeRGB(bytes, &rgb, error)) return *error = "Not a usable PNG picture: " + *error, false;
+  if (!Png_DecodeRGB(png, &rgb, error)) return *error = "Not a usable PNG picture: " + *error, false;
   TPanelGeometry g = g_panelGeometry[model];
   std::vector<uint8_t> panel;
   if (!Uv_FromImage(rgb, g.width, g.height, how, &panel, error)) return false;
@@ -93,13 +82,11 @@ bool Presets_InstallUv(const std::string& serial, uint32_t model, int preset, co
 }
 
 // 'Presets_InstallLut()' - CSV checked, then lut.N.
-bool Presets_InstallLut(const std::string& serial, int table, const std::string& name, const std::string& csvPath,
+bool Presets_InstallLut(const std::string& serial, int table, const std::string& name, const std::string& bytes,
                         std::string* error) {
   if (table < 1 || table > 3) return *error = "The colour table must be 1 to 3.", false;
   if (!File_IsSafeName(name.c_str()) || name.find('.') != std::string::npos)
     return *error = "\"" + name + "\" is not a plain name (letters, digits, no \".\" or \"/\").", false;
-  std::string bytes;
-  if (!Presets_ReadUpload(csvPath, LUT_FILE_MAX, &bytes, error)) return false;
   uint8_t table3[3][LUT_ENTRIES];
   TLutError lutError{0, ""};
   if (!Lut_Parse(bytes.data(), bytes.size(), table3, &lutError))

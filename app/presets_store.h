@@ -20,17 +20,16 @@ bool Presets_Load(const std::string& serial, TBrellianSettings* settings, std::s
 bool Presets_ApplyValues(const std::string& serial, const std::map<std::string, std::string>& values,
                          std::string* error);
 
-// 'Presets_InstallUv()' - Convert the PNG at pngPath into the UV file of
+// 'Presets_InstallUv()' - Convert the PNG bytes png into the UV file of
 // model (fit: exact, fit or stretch), write it as uv/NAME and set uv.N =
-// NAME.  False with *error (nothing changed) for a file that is too big,
-// not a PNG, of the wrong size for "exact", or a bad name or preset.
+// NAME.  False with *error (nothing changed) for a file that is not a PNG, of the wrong size for "exact", or a bad name or preset.
 bool Presets_InstallUv(const std::string& serial, uint32_t model, int preset, const std::string& name,
-                       const std::string& fit, const std::string& pngPath, std::string* error);
+                       const std::string& fit, const std::string& png, std::string* error);
 
-// 'Presets_InstallLut()' - Check the CSV at csvPath as the filter reads a
+// 'Presets_InstallLut()' - Check the CSV bytes as the filter reads a
 // lookup table, write it as lut/NAME.csv and set lut.N = NAME.  False with
 // *error (nothing changed) for a file the filter could not use.
-bool Presets_InstallLut(const std::string& serial, int table, const std::string& name, const std::string& csvPath,
+bool Presets_InstallLut(const std::string& serial, int table, const std::string& name, const std::string& bytes,
                         std::string* error);
 
 // Largest uploads taken.

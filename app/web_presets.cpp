@@ -1,15 +1,15 @@
 // The "Card presets" page of a printer: areas, card settings, UV images and colour tables.
 // Copyright 2026 The rastertobrellian authors.
-#include <unistd.h>
-
 #include <map>
 #include <string>
 
 #include "accessories.h"
+#include "options/lut_file.h"
 #include "presets_store.h"
 #include "settings_keys.h"
 #include "web_access.h"
 #include "web_pages.h"
+#include "web_upload.h"
 
 namespace {
 
@@ -119,20 +119,23 @@ bool Presets_Post(pappl_client_t* client, const TAppModel& model, const std::str
     ok = Presets_ApplyValues(serial, values, message);
     if (ok) *message = "Presets saved.";
   } else if (action == "uv" || action == "lut") {
-    std::string file = Web_FormValue(num_form, form, action == "uv" ? "uv-file" : "lut-file");
+    // The file comes only from a real upload of this request (never from
+    // a path a client typed); PAPPL removes it when the request ends.
+    std::string value = Web_FormValue(num_form, form, action == "uv" ? "uv-file" : "lut-file");
     std::string name = Web_FormValue(num_form, form, action == "uv" ? "uv-name" : "lut-name");
-    if (file.empty()) {
-      *message = "No file was uploaded: nothing was changed.";
+    std::string bytes;
+    if (!Upload_Read(client, value, action == "uv" ? PRESETS_MAX_PNG_BYTES : LUT_FILE_MAX, &bytes, message)) {
+      if (message->find("No file was uploaded") != std::string::npos)
+        *message = "No file was uploaded: nothing was changed.";
     } else if (action == "uv") {
       int preset = atoi(Web_FormValue(num_form, form, "uv-preset").c_str());
-      ok = Presets_InstallUv(serial, model.id, preset, name, Web_FormValue(num_form, form, "uv-fit"), file, message);
+      ok = Presets_InstallUv(serial, model.id, preset, name, Web_FormValue(num_form, form, "uv-fit"), bytes, message);
       if (ok) *message = "UV image \"" + name + "\" installed as UV preset " + std::to_string(preset) + ".";
     } else {
       int table = atoi(Web_FormValue(num_form, form, "lut-table").c_str());
-      ok = Presets_InstallLut(serial, table, name, file, message);
+      ok = Presets_InstallLut(serial, table, name, bytes, message);
       if (ok) *message = "Colour table \"" + name + "\" installed as table " + std::to_string(table) + ".";
     }
-    if (!file.empty() && file.compare(0, 1, "/") == 0) unlink(file.c_str());
   } else {
     *message = "Unknown form.";
   }

@@ -167,5 +167,42 @@ class PresetsWebTest(unittest.TestCase):
         self.assertIn('value="%s"' % self.serial, body)
 
 
+    def test_6_paths_named_in_a_form_are_never_read_or_removed(self):
+        """Only a real multipart file part is taken; a path typed into a form field is neither read nor deleted."""
+        lut_dir = os.path.join(BUILD, "sysroot", "etc", "brellian", "lut")
+        secret_dir = os.path.join(self.server.tmp, "secret")
+        os.makedirs(secret_dir, exist_ok=True)
+        victim = os.path.join(secret_dir, "victim.csv")
+        with open(victim, "w") as f:
+            f.write(h.lut_csv(lambda i: i))  # a usable table: it would be installed if it were read
+        os.chmod(victim, 0o600)
+        # Files in the server's temporary directory that look like its own
+        # upload files: a link to the victim, and a second name of it.
+        link = os.path.join(self.server.tmp, "0123456789abc")
+        os.symlink(victim, link)
+        second = os.path.join(self.server.tmp, "0123456789abd")
+        os.link(victim, second)
+        before = self.settings_bytes()
+        for path in (victim, link, second):
+            for multipart in (False, True):
+                form, _ = self.presets_form("lut")
+                form = dict(form)
+                form["enctype"] = "multipart/form-data" if multipart else "application/x-www-form-urlencoded"
+                status, text = h.post_form(self.server, "/web60/presets", form,
+                                           {"lut-table": "2", "lut-name": "stolen", "lut-file": path})
+                self.assertIn("No file was uploaded", text, (path, multipart))
+                self.assertTrue(os.path.exists(victim), (path, multipart))
+                self.assertTrue(os.path.lexists(path), (path, multipart))
+        self.assertFalse(os.path.exists(os.path.join(lut_dir, "stolen.csv")))
+        self.assertEqual(before, self.settings_bytes())
+        form, _ = self.presets_form("uv")
+        status, text = h.post_form(self.server, "/web60/presets", form,
+                                   {"uv-preset": "1", "uv-name": "stolen.uv", "uv-file": victim})
+        self.assertIn("No file was uploaded", text)
+        self.assertTrue(os.path.exists(victim))
+        for p in (link, second):
+            os.unlink(p)
+
+
 if __name__ == "__main__":
     unittest.main(verbosity=2)
