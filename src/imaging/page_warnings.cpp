@@ -137,10 +137,12 @@ void Warn_JobEnd(const TPrintingTask* task, bool cancelled) {
                "the back");
   const int32_t first = task->firstPageBeyondCard, count = task->pagesBeyondCard;
   if (count == 1)
-    Warn_Write("Page %d not printed: a job prints one card, and the card was complete after page %d",
+    Warn_Write("Page %d not printed: a job prints one card, and the card was complete after page %d; "
+               "to print one card per page or pair of pages, use brellian-batch",
                static_cast<int>(first), static_cast<int>(first - 1));
   else if (count > 1)
     Warn_Write("%d pages not printed (pages %d to %d): a job prints one card, and the card was complete "
-               "after page %d", static_cast<int>(count), static_cast<int>(first),
+               "after page %d; to print one card per page or pair of pages, use brellian-batch",
+               static_cast<int>(count), static_cast<int>(first),
                static_cast<int>(first + count - 1), static_cast<int>(first - 1));
 }

@@ -68,10 +68,12 @@ TEST_F(TWarnJobs, PagesBeyondTheCard) {
   TWarnRun three = Warn_Run({Job_WhitePage(), Job_WhitePage(), Job_WhitePage(), Job_WhitePage()}, "");
   EXPECT_TRUE(base.warnings.empty());
   EXPECT_EQ((std::vector<std::string>{
-                "WARNING: Page 2 not printed: a job prints one card, and the card was complete after page 1"}),
+                "WARNING: Page 2 not printed: a job prints one card, and the card was complete after page 1; "
+                "to print one card per page or pair of pages, use brellian-batch"}),
             one.warnings);
   EXPECT_EQ((std::vector<std::string>{"WARNING: 3 pages not printed (pages 2 to 4): a job prints one card, and the "
-                                      "card was complete after page 1"}),
+                                      "card was complete after page 1; to print one card per page or pair "
+                                      "of pages, use brellian-batch"}),
             three.warnings);
   // The stream is the one-page job's; the spooler still gets every PAGE line.
   EXPECT_TRUE(one.stream == base.stream);
