@@ -95,15 +95,19 @@ int TBatchRunner::Run() {
 // the intent, send the job, record its id.
 int TBatchRunner::SendCard(const TCard& card) {
   const int32_t number = card.index + 1;
+  const std::string what = "card " + std::to_string(number) + " (" + TBatchPlan::Describe(card) + ")";
   for (;;) {
+    // Room for one more job: while the jobs already sent fill it, a fault
+    // of the printer is reported as it happens.
     while (outstanding_.size() > static_cast<size_t>(opt_.ahead)) {
       if (!Poll()) return BATCH_EXIT_JOURNAL;
       if (outstanding_.size() <= static_cast<size_t>(opt_.ahead)) break;
-      int s = Pause();
+      int s = WaitReady(number, what);
+      if (s == BATCH_EXIT_OK) s = Pause();
       if (s != BATCH_EXIT_OK) return s;
     }
     if (stopping_) return BATCH_EXIT_INTERRUPTED;
-    int s = WaitReady(number, "card " + std::to_string(number) + " (" + TBatchPlan::Describe(card) + ")");
+    int s = WaitReady(number, what);
     if (s != BATCH_EXIT_OK) return s;
     std::string error;
     if (journal_.Entry(card.index).state != CARD_INTENT && !journal_.Intent(card.index, &journalError_))
