@@ -1,0 +1,87 @@
+// brellian-batch killed with SIGKILL at random moments of a 10-card batch and resumed: every card printed exactly once.
+// Copyright 2026 The rastertobrellian authors.
+#include <gtest/gtest.h>
+
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <map>
+#include <random>
+#include <string>
+
+#include "support/batch_support.h"
+
+namespace {
+
+// 'Crash_StartTool()' - Start brellian-batch with args against the spooler;
+// its pid.  Output goes to log.
+pid_t Crash_StartTool(const TBatchSpooler& spooler, const std::vector<std::string>& args, const std::string& log) {
+  pid_t pid = fork();
+  if (pid == 0) {
+    setenv("CUPS_SERVER", spooler.Socket().c_str(), 1);
+    FILE* out = freopen(log.c_str(), "w", stdout);
+    FILE* err = freopen(log.c_str(), "a", stderr);
+    (void)out;
+    (void)err;
+    std::vector<char*> argv;
+    std::string tool = Batch_Tool();
+    argv.push_back(&tool[0]);
+    std::vector<std::string> copy = args;
+    for (std::string& a : copy) argv.push_back(&a[0]);
+    argv.push_back(nullptr);
+    execv(tool.c_str(), argv.data());
+    _exit(127);
+  }
+  return pid;
+}
+
+}  // namespace
+
+TEST(BatchCrash, KilledAtARandomMomentAndResumedEachCardPrintsOnce) {
+  if (!Cups_HaveTools()) GTEST_SKIP() << "CUPS, cups-filters or ghostscript not installed";
+  if (geteuid() != 0) GTEST_SKIP() << "the test spooler must start as root";
+  constexpr int kTrials = 20, kCards = 10;
+  std::string dir = Cups_WorkDir("batch-crash");
+  TBatchSpooler spooler(dir);
+  std::string error;
+  ASSERT_TRUE(spooler.Start(&error)) << error;
+  ASSERT_TRUE(Batch_MakeMergedPdf(dir + "/merge.pdf", kCards));
+  Batch_WriteCsv(dir + "/people.csv", kCards);
+  std::mt19937 random(20261124);
+  // A whole batch takes about 0.6 s a card here; the kills fall anywhere in it.
+  std::uniform_int_distribution<int> moment(0, kCards * 600);
+  int killedMidway = 0;
+  for (int trial = 0; trial < kTrials; ++trial) {
+    spooler.ClearCaptures();
+    std::string journal = dir + "/trial-" + std::to_string(trial) + ".journal";
+    std::vector<std::string> args = {"-d", "cards", "--csv", dir + "/people.csv", "--poll-interval", "50",
+                                     "--journal", journal, dir + "/merge.pdf"};
+    int delayMs = moment(random);
+    pid_t pid = Crash_StartTool(spooler, args, dir + "/trial.log");
+    usleep(static_cast<useconds_t>(delayMs) * 1000);
+    int status = 0;
+    bool killed = waitpid(pid, &status, WNOHANG) == 0;
+    if (killed) kill(pid, SIGKILL);
+    waitpid(pid, &status, 0);
+    killedMidway += killed;
+    // Killed before its journal was written, the tool sent nothing: the
+    // batch is run again from the start; else it is resumed.
+    if (access(journal.c_str(), F_OK) == 0) args.push_back("--resume");
+    TProcessResult resumed = Batch_RunTool(spooler, args);
+    ASSERT_EQ(0, resumed.status) << "trial " << trial << ", killed after " << delayMs << " ms\n"
+                                 << resumed.out << resumed.err;
+    ASSERT_TRUE(spooler.WaitIdle(60));
+    std::map<std::string, int> seen;
+    for (const TBatchCapture& c : Batch_ReadCaptures(spooler.CaptureDir())) {
+      EXPECT_TRUE(c.complete) << "trial " << trial;
+      ++seen[c.track1];
+    }
+    EXPECT_EQ(static_cast<size_t>(kCards), seen.size()) << "trial " << trial << ", killed after " << delayMs << " ms";
+    for (int i = 1; i <= kCards; ++i)
+      EXPECT_EQ(1, seen[Batch_Track1(i)]) << "trial " << trial << ", card " << i << ", killed after " << delayMs
+                                           << " ms\n" << resumed.err;
+  }
+  // Most kills must fall inside the batch, or the test shows nothing.
+  EXPECT_GE(killedMidway, kTrials * 3 / 4);
+}
