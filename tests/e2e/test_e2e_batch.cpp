@@ -2,6 +2,7 @@
 // Copyright 2026 The rastertobrellian authors.
 #include <gtest/gtest.h>
 
+#include <signal.h>
 #include <unistd.h>
 
 #include <map>
@@ -109,4 +110,34 @@ TEST_F(TBatchE2e, AQueueStoppedAtCardFourStopsTheBatchAndResumePrintsTheRestOnce
   std::vector<TBatchCapture> all = Batch_ReadCaptures(spooler.CaptureDir());
   EXPECT_EQ(10u, all.size());
   Batch_CheckCards(all, 10, 10);
+}
+
+TEST_F(TBatchE2e, CtrlCWithoutATerminalFinishesTheCardsSentAndResumeDoesTheRest) {
+  std::string dir = Cups_WorkDir("batch-interrupt");
+  TBatchSpooler spooler(dir);
+  std::string error;
+  ASSERT_TRUE(spooler.Start(&error)) << error;
+  ASSERT_TRUE(Batch_MakeMergedPdf(dir + "/merge.pdf", 6));
+  Batch_WriteCsv(dir + "/people.csv", 6);
+  std::vector<std::string> args = {Batch_Tool(), "-d", "cards", "--csv", dir + "/people.csv", "--poll-interval",
+                                   "100", dir + "/merge.pdf"};
+  TProcessOptions options;
+  options.env["CUPS_SERVER"] = spooler.Socket();
+  options.sigtermOnErr = "sent as job 2";
+  options.signal = SIGINT;
+  TProcessResult run = Test_RunProcess(args, options);
+  EXPECT_EQ(4, run.status) << run.out << run.err;
+  // Card 2 at least is still with the printer when the signal comes.
+  EXPECT_NE(std::string::npos, run.err.find("Finishing card ")) << run.err;
+  EXPECT_NE(std::string::npos, run.out.find("skipped      4: 3 4 5 6")) << run.out;
+  ASSERT_TRUE(spooler.WaitIdle(60));
+  std::vector<TBatchCapture> before = Batch_ReadCaptures(spooler.CaptureDir());
+  EXPECT_EQ(2u, before.size());
+
+  args.push_back("--resume");
+  args.erase(args.begin());
+  TProcessResult resumed = Batch_RunTool(spooler, args);
+  EXPECT_EQ(0, resumed.status) << resumed.out << resumed.err;
+  ASSERT_TRUE(spooler.WaitIdle(60));
+  Batch_CheckCards(Batch_ReadCaptures(spooler.CaptureDir()), 6, 6);
 }

@@ -1,6 +1,6 @@
 // Reading a CSV file one row at a time.
 // Copyright 2026 The rastertobrellian authors.
-#include "batch_csv.h"
+#include "tools/batch/batch_csv.h"
 
 #include <cerrno>
 #include <cstring>

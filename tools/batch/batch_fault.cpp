@@ -3,7 +3,7 @@
 #include <cstring>
 #include <string>
 
-#include "batch_ipp.h"
+#include "tools/batch/batch_ipp.h"
 
 namespace {
 

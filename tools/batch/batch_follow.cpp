@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "batch_runner.h"
+#include "tools/batch/batch_runner.h"
 #include "util/sys.h"
 
 namespace {

@@ -1,6 +1,6 @@
 // The batch journal: header, appended event lines with checksums, and reading it back.
 // Copyright 2026 The rastertobrellian authors.
-#include "batch_journal.h"
+#include "tools/batch/batch_journal.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -9,16 +9,16 @@
 #include <cerrno>
 #include <cinttypes>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <sstream>
 
-#include "atomic_file.h"
+#include "lib/atomic_file.h"
 #include "util/safe_file.h"
 
 namespace {
 
 const char kMagic[] = "brellian-batch journal 1";
-constexpr size_t JOURNAL_MAX_BYTES = 256u * 1024u * 1024u;
 constexpr int32_t JOURNAL_MAX_CARDS = 10000000;
 
 // 'Journal_Line()' - text followed by " *" and its checksum, and a newline.
@@ -87,43 +87,47 @@ bool TBatchJournal::Create(const std::string& path, int32_t cards, const std::st
   return true;
 }
 
-// 'TBatchJournal::Load()' - Replay every whole line; cut off a torn tail.
+// 'TBatchJournal::Load()' - Replay every whole line, one at a time (the
+// file is never held whole); cut off a torn tail.
 bool TBatchJournal::Load(const std::string& path, std::string* error) {
-  std::string bytes;
-  if (File_ReadCapped(path.c_str(), JOURNAL_MAX_BYTES, &bytes) != 0) {
+  FILE* in = File_FOpenRegular(path.c_str(), "rb");
+  if (!in) {
     *error = path + ": cannot be read (" + strerror(errno) + ")";
     return false;
   }
-  size_t pos = 0, good = 0;
+  long good = 0;
   int lineNo = 0;
-  while (pos < bytes.size()) {
-    size_t nl = bytes.find('\n', pos);
-    if (nl == std::string::npos) break;  // torn last line
+  bool ok = true;
+  char* buffer = nullptr;
+  size_t capacity = 0;
+  ssize_t n;
+  while (ok && (n = getline(&buffer, &capacity, in)) > 0) {
     std::string text;
-    if (!Journal_Check(bytes.substr(pos, nl - pos), &text)) break;
+    if (buffer[n - 1] != '\n' || !Journal_Check(std::string(buffer, static_cast<size_t>(n - 1)), &text))
+      break;  // torn or damaged: the last line a crash left
     ++lineNo;
-    if (lineNo == 1 && text != kMagic) {
-      *error = path + ": not a brellian-batch journal";
-      return false;
-    }
-    if (lineNo == 2) {
-      std::istringstream in(text);
+    if (lineNo == 1) {
+      ok = text == kMagic;
+      if (!ok) *error = path + ": not a brellian-batch journal";
+    } else if (lineNo == 2) {
+      std::istringstream header(text);
       std::string w1, w2, w3;
       long cards = -1;
-      in >> w1 >> batchId_ >> w2 >> cards >> w3;
-      std::getline(in, dest_);
+      header >> w1 >> batchId_ >> w2 >> cards >> w3;
+      std::getline(header, dest_);
       if (!dest_.empty() && dest_[0] == ' ') dest_.erase(0, 1);
-      if (w1 != "batch" || w2 != "cards" || w3 != "dest" || cards < 0 || cards > JOURNAL_MAX_CARDS) {
-        *error = path + ": the journal's header is damaged";
-        return false;
-      }
-      entries_.assign(static_cast<size_t>(cards), TCardEntry());
-    } else if (lineNo > 2 && !Apply(text)) {
+      ok = w1 == "batch" && w2 == "cards" && w3 == "dest" && cards >= 0 && cards <= JOURNAL_MAX_CARDS;
+      if (ok) entries_.assign(static_cast<size_t>(cards), TCardEntry());
+      else *error = path + ": the journal's header is damaged";
+    } else if (!Apply(text)) {
+      ok = false;
       *error = path + ": line " + std::to_string(lineNo) + " names no card of the batch";
-      return false;
     }
-    pos = good = nl + 1;
+    good = ftell(in);
   }
+  free(buffer);
+  fclose(in);
+  if (!ok) return false;
   if (lineNo < 2) {
     *error = path + ": the journal's header is missing or damaged";
     return false;

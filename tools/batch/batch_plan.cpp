@@ -1,6 +1,6 @@
 // The cards of a batch: counting them, and each card's document, pages and options.
 // Copyright 2026 The rastertobrellian authors.
-#include "batch_plan.h"
+#include "tools/batch/batch_plan.h"
 
 #include <cstdio>
 #include <cstring>
@@ -21,6 +21,17 @@ bool Plan_TwoSided(const std::vector<TJobOption>& options) {
 std::string Plan_DirOf(const std::string& path) {
   size_t slash = path.rfind('/');
   return slash == std::string::npos ? "" : path.substr(0, slash + 1);
+}
+
+// 'Plan_Set()' - Set option name to value, replacing an earlier value (a
+// CSV cell over an -o option of the same name).
+void Plan_Set(std::vector<TJobOption>* options, const std::string& name, const std::string& value) {
+  for (TJobOption& o : *options)
+    if (o.name == name) {
+      o.value = value;
+      return;
+    }
+  options->push_back({name, value});
 }
 
 // Default recording formats of the track columns: the ISO formats of each track.
@@ -181,14 +192,14 @@ bool TBatchPlan::RowOptions(const std::vector<std::string>& row, TCard* card, st
       std::string n = std::to_string(t + 1);
       if (printer_.appVocabulary) {
         for (char& ch : format) ch = static_cast<char>(tolower(static_cast<unsigned char>(ch)));
-        card->options.push_back({"brellian-mag-track-" + n + "-format", format});
-        card->options.push_back({"brellian-mag-track-" + n + "-data", value});
+        Plan_Set(&card->options, "brellian-mag-track-" + n + "-format", format);
+        Plan_Set(&card->options, "brellian-mag-track-" + n + "-data", value);
       } else {
-        card->options.push_back({"magEncodeFormat" + n, format});
-        card->options.push_back({"magEncodeData" + n, "Custom." + value});
+        Plan_Set(&card->options, "magEncodeFormat" + n, format);
+        Plan_Set(&card->options, "magEncodeData" + n, "Custom." + value);
       }
     } else {
-      card->options.push_back({name, value});
+      Plan_Set(&card->options, name, value);
     }
   }
   if (row.size() > columns_.size()) {

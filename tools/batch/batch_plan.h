@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "batch_csv.h"
-#include "batch_ipp.h"
+#include "tools/batch/batch_csv.h"
+#include "tools/batch/batch_ipp.h"
 
 // What the command line says about the batch's input.
 struct TPlanInput {

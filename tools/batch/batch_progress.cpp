@@ -1,6 +1,6 @@
 // Progress line, plain progress lines and the end-of-batch summary.
 // Copyright 2026 The rastertobrellian authors.
-#include "batch_progress.h"
+#include "tools/batch/batch_progress.h"
 
 #include <vector>
 

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <string>
 
-#include "batch_journal.h"
+#include "tools/batch/batch_journal.h"
 
 // Progress of a batch on standard error: on a terminal one line redrawn in
 // place (cards done / total, current card, rate, time left); otherwise

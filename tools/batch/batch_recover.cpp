@@ -2,7 +2,7 @@
 // Copyright 2026 The rastertobrellian authors.
 #include <cstdio>
 
-#include "batch_runner.h"
+#include "tools/batch/batch_runner.h"
 
 // 'TBatchRunner::Recover()' - Cards sent before: follow them again.  A card
 // whose intent was recorded without a job id is looked for by its job name:

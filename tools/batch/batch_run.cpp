@@ -1,10 +1,10 @@
 // Running a batch: set-up, dry run, recovery from the journal and the loop that sends one job per card.
 // Copyright 2026 The rastertobrellian authors.
-#include "batch_run.h"
+#include "tools/batch/batch_run.h"
 
 #include <unistd.h>
 
-#include "batch_runner.h"
+#include "tools/batch/batch_runner.h"
 
 volatile sig_atomic_t g_batchInterrupted = 0;
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "batch_plan.h"
+#include "tools/batch/batch_plan.h"
 
 // Exit statuses of brellian-batch.
 constexpr int BATCH_EXIT_OK = 0;           // every card printed

@@ -6,11 +6,11 @@
 #include <deque>
 #include <string>
 
-#include "batch_ipp.h"
-#include "batch_journal.h"
-#include "batch_plan.h"
-#include "batch_progress.h"
-#include "batch_run.h"
+#include "tools/batch/batch_ipp.h"
+#include "tools/batch/batch_journal.h"
+#include "tools/batch/batch_plan.h"
+#include "tools/batch/batch_progress.h"
+#include "tools/batch/batch_run.h"
 
 // One job sent and not yet ended.
 struct TOutstanding {

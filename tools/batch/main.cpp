@@ -8,7 +8,7 @@
 #include <cstring>
 #include <string>
 
-#include "batch_run.h"
+#include "tools/batch/batch_run.h"
 #include "brellian_version.h"
 
 static const char USAGE[] =
