@@ -36,6 +36,18 @@ pid_t Crash_StartTool(const TBatchSpooler& spooler, const std::vector<std::strin
   return pid;
 }
 
+// 'Crash_WaitForLine()' - Wait (polling every millisecond, up to 30 s)
+// until the journal holds line text or the tool pid ended; true for the line.
+bool Crash_WaitForLine(const std::string& journal, const std::string& text, pid_t pid) {
+  for (int i = 0; i < 30000; ++i) {
+    if (Test_ReadFile(journal).find("\n" + text + " *") != std::string::npos) return true;
+    int status;
+    if (waitpid(pid, &status, WNOHANG) == pid) return false;
+    usleep(1000);
+  }
+  return false;
+}
+
 }  // namespace
 
 TEST(BatchCrash, KilledAtARandomMomentAndResumedEachCardPrintsOnce) {
@@ -57,8 +69,16 @@ TEST(BatchCrash, KilledAtARandomMomentAndResumedEachCardPrintsOnce) {
     std::string journal = dir + "/trial-" + std::to_string(trial) + ".journal";
     std::vector<std::string> args = {"-d", "cards", "--csv", dir + "/people.csv", "--poll-interval", "50",
                                      "--journal", journal, dir + "/merge.pdf"};
-    int delayMs = moment(random);
+    // Even trials are killed at any moment of the batch; odd ones a few
+    // milliseconds after a card's intent was written, while its request is
+    // on the way: the moment when a job may exist that the journal does not
+    // name yet.
+    int delayMs = trial % 2 == 0 ? moment(random) : std::uniform_int_distribution<int>(0, 25)(random);
+    int card = std::uniform_int_distribution<int>(0, kCards - 1)(random);
     pid_t pid = Crash_StartTool(spooler, args, dir + "/trial.log");
+    if (trial % 2 == 1) {
+      ASSERT_TRUE(Crash_WaitForLine(journal, "intent " + std::to_string(card), pid)) << trial;
+    }
     usleep(static_cast<useconds_t>(delayMs) * 1000);
     int status = 0;
     bool killed = waitpid(pid, &status, WNOHANG) == 0;
@@ -69,7 +89,8 @@ TEST(BatchCrash, KilledAtARandomMomentAndResumedEachCardPrintsOnce) {
     // batch is run again from the start; else it is resumed.
     if (access(journal.c_str(), F_OK) == 0) args.push_back("--resume");
     TProcessResult resumed = Batch_RunTool(spooler, args);
-    ASSERT_EQ(0, resumed.status) << "trial " << trial << ", killed after " << delayMs << " ms\n"
+    ASSERT_EQ(0, resumed.status) << "trial " << trial << ", killed " << delayMs << " ms after its start or card "
+                                 << card << "'s intent\n"
                                  << resumed.out << resumed.err;
     ASSERT_TRUE(spooler.WaitIdle(60));
     std::map<std::string, int> seen;
@@ -77,9 +98,9 @@ TEST(BatchCrash, KilledAtARandomMomentAndResumedEachCardPrintsOnce) {
       EXPECT_TRUE(c.complete) << "trial " << trial;
       ++seen[c.track1];
     }
-    EXPECT_EQ(static_cast<size_t>(kCards), seen.size()) << "trial " << trial << ", killed after " << delayMs << " ms";
+    EXPECT_EQ(static_cast<size_t>(kCards), seen.size()) << "trial " << trial << ", kill delay " << delayMs << " ms";
     for (int i = 1; i <= kCards; ++i)
-      EXPECT_EQ(1, seen[Batch_Track1(i)]) << "trial " << trial << ", card " << i << ", killed after " << delayMs
+      EXPECT_EQ(1, seen[Batch_Track1(i)]) << "trial " << trial << ", card " << i << ", kill delay " << delayMs
                                            << " ms\n" << resumed.err;
   }
   // Most kills must fall inside the batch, or the test shows nothing.
