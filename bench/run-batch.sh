@@ -3,9 +3,10 @@
 # own per-job time, and its peak memory by batch size.  A private spooler
 # (run as root, listening on a socket of its own) has a raw queue whose
 # backend throws the job away, so a job costs the queue only its own work.
-# The queue's per-job time is measured by feeding it N jobs with lp as fast
-# as lp goes; the tool's by printing an N-card batch (a CSV with two tracks
-# per card) to the same queue.  The difference per card is what the tool
+# The queue's per-job time is measured on N jobs queued while the queue is
+# stopped, from the moment it is started until the last is done; the
+# tool's by printing an N-card batch (a CSV with two tracks per card) to
+# the same queue.  The difference per card is what the tool
 # adds: waiting for job states, the journal's flushes, its requests.
 #
 # Usage: bench/run-batch.sh [-b BUILD_DIR] [-n CARDS] [-p POLL_MS]
@@ -75,10 +76,13 @@ printf '%%!PS\nshowpage\n' > "$work/card.ps"
 wait_idle() { while [ -n "$(lpstat -o sink 2>/dev/null)" ]; do sleep 0.05; done; }
 now() { date +%s.%N; }
 
-# The queue alone: N jobs from lp, back to back, until the last is done.
+# The queue alone: N jobs queued with lp while the queue is stopped, then
+# timed from cupsenable until the last is done, so no client is in it.
 wait_idle
-t0=$(now)
+cupsdisable sink
 for i in $(seq "$cards"); do lp -d sink -t "lp $i" "$work/card.ps" >/dev/null; done
+t0=$(now)
+cupsenable sink
 wait_idle
 t1=$(now)
 queue_ms=$(awk "BEGIN { print ($t1 - $t0) * 1000 / $cards }")
@@ -104,7 +108,7 @@ PY
 }
 
 echo "brellian-batch, raw queue with a discarding backend, --poll-interval $poll ms"
-printf 'queue alone (lp, back to back): %.1f ms per job over %d jobs\n' "$queue_ms" "$cards"
+printf 'queue alone (jobs queued beforehand): %.1f ms per job over %d jobs\n' "$queue_ms" "$cards"
 printf '%-8s %-6s %12s %14s %14s %10s\n' cards ahead "ms/card" "above queue" "tool cpu ms" "peak KiB"
 for ahead in 1 4; do
   read -r wall cpu rss < <(run_batch "$cards" "$ahead")
