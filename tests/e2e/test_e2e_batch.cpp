@@ -96,6 +96,8 @@ TEST_F(TBatchE2e, AQueueStoppedAtCardFourStopsTheBatchAndResumePrintsTheRestOnce
   EXPECT_NE(std::string::npos, run.err.find("The printer stopped: the printer is stopped")) << run.err;
   EXPECT_NE(std::string::npos, run.err.find("card 4 (job ")) << run.err;
   EXPECT_NE(std::string::npos, run.err.find("--resume")) << run.err;
+  EXPECT_NE(std::string::npos, run.err.find("cupsenable cards")) << run.err;
+  EXPECT_NE(std::string::npos, run.out.find("at printer   ")) << run.out;
   std::vector<TBatchCapture> before = Batch_ReadCaptures(spooler.CaptureDir());
   EXPECT_EQ(3u, before.size());
   Batch_CheckCards(before, 10, 3);

@@ -41,7 +41,7 @@ std::string Printer_Fault(const TPrinterStatus& status) {
     if (Fault_Stops(r)) reasons += (reasons.empty() ? "" : ", ") + r;
   if (why.empty() && reasons.empty()) return "";
   if (why.empty()) why = "the printer reports a fault";
-  if (!reasons.empty()) why += " (" + reasons + ")";
-  if (!status.message.empty()) why += ": " + status.message;
+  if (!reasons.empty()) why += ", " + reasons;
+  if (!status.message.empty()) why += " (its last message: \"" + status.message + "\")";
   return why;
 }

@@ -67,9 +67,11 @@ int TBatchRunner::WaitReady(int32_t nextCard, const std::string& what) {
       return BATCH_EXIT_OK;
     }
     if (!faultShown_) {
-      std::string text = "The printer stopped: " + status.fault + ".";
+      std::string text = "Printing paused: " + status.fault + ".";
       for (const TOutstanding& o : outstanding_) text += "\n  Already sent, waiting with the printer: " + Follow_Card(o);
       if (nextCard > 0) text += "\n  Next card to send: " + what + ".";
+      if (status.state == IPP_PSTATE_STOPPED && opt_.dest.find("://") == std::string::npos)
+        text += "\n  Once the cause is put right, start the queue again: cupsenable " + opt_.dest;
       text += opt_.noWait ? "\n  Ending (--no-wait). Once the printer is ready again, run the same command with "
                             "--resume: no card already sent is sent again."
                           : "\n  Waiting for the printer to be ready (Ctrl-C to stop).";

@@ -91,7 +91,7 @@ void Summary_Group(FILE* out, const char* label, const std::vector<std::string>&
 
 // 'Batch_Summary()' - Counts and "card N (job J)" lists by outcome.
 void Batch_Summary(const TBatchJournal& journal, FILE* out) {
-  std::vector<std::string> printed, failed, unconfirmed, left;
+  std::vector<std::string> printed, failed, unconfirmed, waiting, left;
   for (int32_t c = 0; c < journal.Cards(); ++c) {
     const TCardEntry& e = journal.Entry(c);
     std::string item = std::to_string(c + 1);
@@ -102,6 +102,8 @@ void Batch_Summary(const TBatchJournal& journal, FILE* out) {
       failed.push_back(item + (e.cancelled ? " cancelled" : " aborted"));
     else if (e.state == CARD_UNCONFIRMED)
       unconfirmed.push_back(item);
+    else if (e.state == CARD_SENT)
+      waiting.push_back(item);
     else
       left.push_back(item);
   }
@@ -109,5 +111,6 @@ void Batch_Summary(const TBatchJournal& journal, FILE* out) {
   Summary_Group(out, "printed", printed);
   Summary_Group(out, "failed", failed);
   if (!unconfirmed.empty()) Summary_Group(out, "unconfirmed", unconfirmed);
+  if (!waiting.empty()) Summary_Group(out, "at printer", waiting);
   Summary_Group(out, "skipped", left);
 }

@@ -42,6 +42,6 @@ class TBatchProgress {
 };
 
 // 'Batch_Summary()' - Print the summary of the journal to out: the counts
-// of printed, failed, unconfirmed, not printed cards and the job ids of
-// each group.
+// of cards printed, failed, unconfirmed, sent and not yet done ("at
+// printer") and not sent ("skipped"), with the job ids of each group.
 void Batch_Summary(const TBatchJournal& journal, FILE* out);
