@@ -93,7 +93,7 @@ TEST_F(TBatchE2e, AQueueStoppedAtCardFourStopsTheBatchAndResumePrintsTheRestOnce
                                    "--no-wait", dir + "/merge.pdf"};
   TProcessResult run = Batch_RunTool(spooler, args);
   EXPECT_EQ(3, run.status) << run.out << run.err;
-  EXPECT_NE(std::string::npos, run.err.find("The printer stopped: the printer is stopped")) << run.err;
+  EXPECT_NE(std::string::npos, run.err.find("Printing paused: the printer is stopped")) << run.err;
   EXPECT_NE(std::string::npos, run.err.find("card 4 (job ")) << run.err;
   EXPECT_NE(std::string::npos, run.err.find("--resume")) << run.err;
   EXPECT_NE(std::string::npos, run.err.find("cupsenable cards")) << run.err;
