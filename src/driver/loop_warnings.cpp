@@ -8,6 +8,7 @@
 #include "driver/printing_task.h"
 #include "driver/warning.h"
 
+// 'Warn_PageCutShort()' - Name the page and the rows that arrived.
 void Warn_PageCutShort(int32_t page, uint32_t rowsRead, uint32_t height, uint32_t lineBytes) {
   if (rowsRead >= height || lineBytes == 0) return;
   Warn_Write("Page %d is cut short: %u of its %u rows arrived before the document's data ended; the "
@@ -15,6 +16,7 @@ void Warn_PageCutShort(int32_t page, uint32_t rowsRead, uint32_t height, uint32_
              static_cast<int>(page), rowsRead, height);
 }
 
+// 'Warn_NoCard()' - Say that the job printed nothing.
 void Warn_NoCard(const TPrintingTask* task, int32_t pages) {
   if (pages <= 0 || task->cardOpen || task->jobComplete) return;
   if (pages == 1)
