@@ -85,10 +85,10 @@ const char* Log_Stamp() {
 
 // 'Log_AppendInDirectory()' - Append one line to dir/<file>, creating
 // parent (when given) and dir, mode FILE_DIRECTORY_MODE (0755), when they
-// are missing.  The
-// directories usually exist, so the file is opened first and they are made
-// only when the open finds them missing: the outcome is that of making them
-// before every line, without a failing call on every line.
+// are missing.  The directories usually exist, so the file is opened first
+// and they are made only when the open finds them missing: the outcome is
+// that of making them before every line, without a failing call on every
+// line.
 bool Log_AppendInDirectory(TLogFile* file, const std::string& dir, const char* line, size_t length,
                            bool rotate, const char* parent = nullptr) {
   std::string path = dir + "/" + g_logFileName;

@@ -6,11 +6,11 @@
 #include <pthread.h>
 
 // 'TSignalBlock' - Blocks SIGTERM, SIGINT, SIGABRT, SIGHUP and SIGQUIT for
-// its lifetime and restores the previous mask afterwards.  Their handlers call exit(), whose
-// exit handler frees memory and writes the log: were one to arrive while the
-// allocator is busy with the page buffer, that handler would wait for the
-// allocator's lock for ever.  A signal that arrives meanwhile is delivered
-// when the block ends.
+// its lifetime and restores the previous mask afterwards.  Their handlers
+// call exit(), whose exit handler frees memory and writes the log: were one
+// to arrive while the allocator is busy with the page buffer, that handler
+// would wait for the allocator's lock for ever.  A signal that arrives
+// meanwhile is delivered when the block ends.
 class TSignalBlock {
  public:
   TSignalBlock() {
