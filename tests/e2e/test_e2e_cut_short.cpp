@@ -9,8 +9,8 @@
 #include <unistd.h>
 
 #include "jobstream/stream_reader.h"
-#include "raster_content.h"
-#include "raster_writer.h"
+#include "lib/raster_content.h"
+#include "lib/raster_writer.h"
 #include "support/cups_env.h"
 #include "support/process.h"
 

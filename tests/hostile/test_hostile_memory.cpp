@@ -15,8 +15,8 @@
 #include "brellian_paths.h"
 #include "jobstream/records.h"
 #include "jobstream/stream_reader.h"
-#include "raster_content.h"
-#include "raster_writer.h"
+#include "lib/raster_content.h"
+#include "lib/raster_writer.h"
 #include "support/process.h"
 
 namespace {

@@ -12,8 +12,8 @@
 #include <unistd.h>
 
 #include "brellian_paths.h"
-#include "raster_content.h"
-#include "raster_writer.h"
+#include "lib/raster_content.h"
+#include "lib/raster_writer.h"
 #include "support/process.h"
 #include "support/signal_trial.h"
 

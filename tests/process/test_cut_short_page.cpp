@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "raster_content.h"
+#include "lib/raster_content.h"
 #include "support/jobs_support.h"
 #include "support/process.h"
 #include "support/warnings_support.h"
