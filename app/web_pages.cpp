@@ -2,6 +2,8 @@
 // Copyright 2026 The rastertobrellian authors.
 #include "web_pages.h"
 
+#include "web_pappl_guard.h"
+
 // 'Web_AddPrinterPages()' - Two resources and two links per printer.
 void Web_AddPrinterPages(pappl_printer_t* printer) {
   pappl_system_t* system = papplPrinterGetSystem(printer);
@@ -12,6 +14,7 @@ void Web_AddPrinterPages(pappl_printer_t* printer) {
   papplPrinterGetPath(printer, "device", path, sizeof(path));
   papplSystemAddResourceCallback(system, path, "text/html", Web_DevicePage, printer);
   papplPrinterAddLink(printer, "Device settings", path, PAPPL_LOPTIONS_CONFIGURATION | PAPPL_LOPTIONS_NAVIGATION);
+  Web_GuardPrinterHome(printer);
 }
 
 // 'Web_RemovePrinterPages()' - The resources of a deleted printer.

@@ -368,7 +368,7 @@ def http_request(server, method, path, body=b"", headers=None, source=None):
     head, _, rest = data.partition(b"\r\n\r\n")
     status = int(head.split(b" ")[1])
     if b"transfer-encoding: chunked" in head.lower():
-        rest = dechunk(rest)
+        rest = dechunk(rest) or b""
     return status, rest.decode("utf-8", "replace")
 
 
