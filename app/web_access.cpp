@@ -85,11 +85,21 @@ bool Web_IsSignedIn(pappl_client_t* client) {
   decoded[len] = '\0';
   const char* password = strchr(decoded, ':');
   if (!password || !password[1]) return false;
-  char check[256];
-  // The stored hash begins with its salt, so hashing with it as the salt
-  // gives the same text for the right password.
-  if (!papplSystemHashPassword(system, hash, password + 1, check, sizeof(check))) return false;
-  bool same = strcmp(check, hash) == 0;
+  // The stored hash is "SALT~HEX", HEX the SHA-256 of "SALT:PASSWORD".
+  // PAPPL 1.3.1 checks a password by hashing it with the whole stored text
+  // as the salt and then compares only the stored text's length, so any
+  // password passes its own login form; here the hash is made from the
+  // salt alone and the whole result compared.
+  std::string stored = hash;
+  size_t tilde = stored.find('~');
+  if (tilde == std::string::npos) return false;
+  std::string text = stored.substr(0, tilde) + ":" + (password + 1);
+  unsigned char sum[32];
+  char check[65];
+  ssize_t n = cupsHashData("sha2-256", text.data(), text.size(), sum, sizeof(sum));
+  explicit_bzero(&text[0], text.size());
+  if (n != 32 || !cupsHashString(sum, sizeof(sum), check, sizeof(check))) return false;
+  bool same = stored.compare(tilde + 1, std::string::npos, check) == 0;
   if (same) {
     std::string user(decoded, static_cast<size_t>(password - decoded));
     papplClientSetUsername(client, user.empty() ? "admin" : user.c_str());
@@ -98,9 +108,31 @@ bool Web_IsSignedIn(pappl_client_t* client) {
   return same;
 }
 
+// 'Web_SameOrigin()' - No Origin header, or one whose host and port are
+// the Host the request was sent to.  A browser sends Origin with every
+// form it posts, so a form of another web site, posted with an
+// administrator's remembered credentials, is refused.
+bool Web_SameOrigin(pappl_client_t* client) {
+  http_t* http = papplClientGetHTTP(client);
+  std::string origin = Web_Field(http, HTTP_FIELD_ORIGIN);
+  if (origin.empty()) return true;
+  size_t start = origin.find("://");
+  if (start == std::string::npos) return false;
+  std::string host = origin.substr(start + 3);
+  std::string sent = Web_Field(http, HTTP_FIELD_HOST);
+  if (host.find(':') == std::string::npos || host.back() == ']') {
+    // No port in the origin: the scheme's default port.
+    bool tls = origin.compare(0, 5, "https") == 0;
+    if (sent == host + (tls ? ":443" : ":80")) return true;
+  }
+  return strcasecmp(host.c_str(), sent.c_str()) == 0;
+}
+
 // 'Web_AuthCallback()' - This machine, else the web password.
 http_status_t Web_AuthCallback(pappl_client_t* client, const char*, gid_t, void*) {
-  if (Web_IsLocalClient(client) || Web_IsSignedIn(client)) return HTTP_STATUS_CONTINUE;
+  if (Web_IsLocalClient(client)) return HTTP_STATUS_CONTINUE;
+  if (!Web_SameOrigin(client)) return HTTP_STATUS_FORBIDDEN;
+  if (Web_IsSignedIn(client)) return HTTP_STATUS_CONTINUE;
   char hash[256];
   if (!papplSystemGetPassword(papplClientGetSystem(client), hash, sizeof(hash)) || !hash[0])
     return HTTP_STATUS_FORBIDDEN;

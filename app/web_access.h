@@ -25,9 +25,15 @@ bool Web_HostIsLoopback(const std::string& host);
 // web password is set.
 bool Web_IsSignedIn(pappl_client_t* client);
 
+// 'Web_SameOrigin()' - The request has no Origin header, or one naming
+// the host and port it was sent to (a form of this server, not of another
+// web site).
+bool Web_SameOrigin(pappl_client_t* client);
+
 // 'Web_AuthCallback()' - PAPPL's authorization callback (used when no PAM
-// service is configured): this machine, or a signed-in administrator;
-// everything else gets 401 (sign in) or 403 (no web password set).
+// service is configured): this machine, or a signed-in administrator
+// whose request does not come from another site's form; everything else
+// gets 401 (sign in) or 403 (no web password set, or another site).
 http_status_t Web_AuthCallback(pappl_client_t* client, const char* group, gid_t groupid, void* data);
 
 // 'Web_MayChange()' - Changes are accepted from this client: PAPPL's own
