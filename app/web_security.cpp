@@ -36,7 +36,6 @@ std::string Web_ControlSocketPath() {
 // 'Web_InstallSecurity()' - Callbacks and the socket timer.
 void Web_InstallSecurity(pappl_system_t* system, const char* authService) {
   if (!authService || !*authService) papplSystemSetAuthCallback(system, "Basic", Web_AuthCallback, nullptr);
-  papplSystemSetOperationCallback(system, Ipp_AccessCallback, nullptr);
   static const std::string path = Web_ControlSocketPath();
   papplSystemAddTimerCallback(system, time(nullptr), 60, Web_SocketModeTimer, const_cast<std::string*>(&path));
 }

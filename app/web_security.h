@@ -10,8 +10,8 @@
 //   - without a PAM service (authService null or empty), PAPPL's pages and
 //     operations are authorized by Web_AuthCallback() (this machine, or
 //     the web password of the Security page);
-//   - every IPP operation that changes state goes through
-//     Ipp_AccessCallback() first;
+//     PAPPL asks this same check for every IPP operation that changes
+//     state (printers, the system, other users' jobs);
 //   - the control socket of the client sub-commands is made owner-only
 //     (mode 0600) as soon as the server runs.
 void Web_InstallSecurity(pappl_system_t* system, const char* authService);
@@ -20,10 +20,3 @@ void Web_InstallSecurity(pappl_system_t* system, const char* authService);
 // main loop creates for the "server" sub-command: /run/NAME.sock for
 // root, else TMPDIR/NAME<UID>.sock.
 std::string Web_ControlSocketPath();
-
-// 'Ipp_AccessCallback()' - PAPPL's IPP operation callback: refuses, with
-// the HTTP status of PAPPL's own check, an operation that changes state
-// (printers, the system, other users' jobs) from a client that may not
-// change it, and refuses a job whose custom-areas text the filter could
-// not use.  True when it answered the request; false lets PAPPL go on.
-bool Ipp_AccessCallback(pappl_client_t* client, void* data);
