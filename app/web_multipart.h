@@ -1,0 +1,37 @@
+// A multipart/form-data request body read by the application itself, into memory.
+// Copyright 2026 The rastertobrellian authors.
+#pragma once
+
+#include <pappl/pappl.h>
+
+#include <cstddef>
+#include <map>
+#include <string>
+
+// What a multipart form carried: its text fields (as PAPPL's own form
+// reader gives them, so that papplClientIsValidForm() can check the form
+// token) and its file parts, by field name.
+struct TMultipartForm {
+  int numFields = 0;
+  cups_option_t* fields = nullptr;          // freed by Multipart_Free()
+  std::map<std::string, std::string> files;  // field name -> bytes
+  bool tooLarge = false;                     // a file part, or the whole body, was over the limit
+};
+
+// Extra room for the text fields and part headers of a form, beyond its
+// largest file.
+constexpr size_t MULTIPART_FIELD_ROOM = 64u * 1024u;
+
+// 'Multipart_Read()' - Read the body of a multipart/form-data request
+// (content type contentType, taken before reading) whose file parts may
+// hold at most fileCap bytes each.  PAPPL 1.3.1's own form reader ignores
+// a body over 2 MiB, so a file of exactly 2 MiB could never arrive, and it
+// hands file parts over as paths of temporary files; here the body is
+// read into memory (at most fileCap + MULTIPART_FIELD_ROOM bytes; a
+// larger body is read to its end and dropped, with tooLarge set), and a
+// file exists only as the bytes of a part that names a file name.  False
+// when the body is not a multipart form.
+bool Multipart_Read(pappl_client_t* client, const std::string& contentType, size_t fileCap, TMultipartForm* form);
+
+// 'Multipart_Free()' - Free the text fields.
+void Multipart_Free(TMultipartForm* form);

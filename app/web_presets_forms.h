@@ -1,0 +1,19 @@
+// The forms and lists of the "Card presets" page.
+// Copyright 2026 The rastertobrellian authors.
+#pragma once
+
+#include <pappl/pappl.h>
+
+#include <string>
+
+#include "options/settings.h"
+
+// 'Presets_Forms()' - The page body for one printer: the settings form
+// (areas as text, every other value a choice), the installed UV images
+// with previews and the installed colour tables, and the two upload
+// forms naming their limits.  path is the page's path, previewPath the
+// path of its UV preview pictures.  No server path is shown.
+void Presets_Forms(pappl_client_t* client, const char* path, const char* previewPath, const TBrellianSettings& s);
+
+// 'Presets_PreviewImage()' - An <img> of the installed UV file name.
+void Presets_PreviewImage(pappl_client_t* client, const char* previewPath, const std::string& name);
