@@ -165,7 +165,10 @@ void Presets_Forms(pappl_client_t* client, const char* path, const char* preview
   papplClientHTMLPrintf(client,
                         "<input type=\"hidden\" name=\"action\" value=\"uv\">\n<table class=\"form\">\n"
                         "<tr><th><label for=\"uv-preset\">Preset:</label></th><td><select name=\"uv-preset\" "
-                        "id=\"uv-preset\">%s</select></td></tr>\n"
+                        "id=\"uv-preset\">");
+  papplClientHTMLPuts(client, Presets_Options(5).c_str());
+  papplClientHTMLPrintf(client,
+                        "</select></td></tr>\n"
                         "<tr><th><label for=\"uv-name\">File name:</label></th><td><input type=\"text\" name=\"uv-name\" "
                         "id=\"uv-name\" value=\"\" size=\"24\" maxlength=\"%s\"> <small>at most %s bytes; an "
                         "installed name is replaced</small></td></tr>\n"
@@ -177,14 +180,16 @@ void Presets_Forms(pappl_client_t* client, const char* path, const char* preview
                         "white none</small></td></tr>\n"
                         "<tr><th></th><td><input type=\"submit\" id=\"upload-uv\" value=\"Upload UV image\"></td></tr>\n"
                         "</table></form>\n",
-                        Presets_Options(5).c_str(), maxName.c_str(), maxName.c_str(),
-                        Upload_Limit(PRESETS_MAX_PNG_BYTES).c_str());
+                        maxName.c_str(), maxName.c_str(), Upload_Limit(PRESETS_MAX_PNG_BYTES).c_str());
   papplClientHTMLPuts(client, "<h3>Upload a colour table</h3>\n");
   papplClientHTMLStartForm(client, path, true);
   papplClientHTMLPrintf(client,
                         "<input type=\"hidden\" name=\"action\" value=\"lut\">\n<table class=\"form\">\n"
                         "<tr><th><label for=\"lut-table\">Table:</label></th><td><select name=\"lut-table\" "
-                        "id=\"lut-table\">%s</select></td></tr>\n"
+                        "id=\"lut-table\">");
+  papplClientHTMLPuts(client, Presets_Options(3).c_str());
+  papplClientHTMLPrintf(client,
+                        "</select></td></tr>\n"
                         "<tr><th><label for=\"lut-name\">Name:</label></th><td><input type=\"text\" name=\"lut-name\" "
                         "id=\"lut-name\" value=\"\" size=\"24\" maxlength=\"%s\"> <small>letters and digits, at most "
                         "%s bytes</small></td></tr>\n"
@@ -193,5 +198,5 @@ void Presets_Forms(pappl_client_t* client, const char* path, const char* preview
                         "\"level,red,green,blue\" and 256 rows \"i,r,g,b\"</small></td></tr>\n"
                         "<tr><th></th><td><input type=\"submit\" id=\"upload-lut\" value=\"Upload colour table\"></td>"
                         "</tr>\n</table></form>\n",
-                        Presets_Options(3).c_str(), maxName.c_str(), maxName.c_str(), Upload_Limit(LUT_FILE_MAX).c_str());
+                        maxName.c_str(), maxName.c_str(), Upload_Limit(LUT_FILE_MAX).c_str());
 }
