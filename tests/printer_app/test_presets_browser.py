@@ -121,6 +121,8 @@ class PresetsBrowserTest(unittest.TestCase):
         with open(png, "wb") as f:
             f.write(h.png_rgb(100, 64, lambda x, y: (0, 0, 0) if (x // 10 + y // 10) % 2 else (255, 255, 255)))
         name = self.serial + "-mark.uv"
+        mark = os.path.join(BUILD, "sysroot", "etc", "brellian", "uv", name)
+        self.addCleanup(lambda: os.path.exists(mark) and os.unlink(mark))
         results = self.browse([{"select": {"uv-preset": "2", "uv-fit": "stretch"}, "fill": {"uv-name": name},
                                 "file": {"uv-file": png}, "submit": "upload-uv"}],
                               os.path.join(self.server.tmp, "choices.png"))
@@ -137,7 +139,6 @@ class PresetsBrowserTest(unittest.TestCase):
         self.assertIn("at most 64 KiB", page["text"])
         for path in (os.path.join(BUILD, "sysroot"), "/etc/brellian", ".dat"):
             self.assertNotIn(path, page["text"], "no server path on the page")
-        os.unlink(os.path.join(BUILD, "sysroot", "etc", "brellian", "uv", name))
 
 
 if __name__ == "__main__":
