@@ -70,16 +70,23 @@ void Multipart_Part(const std::string& part, size_t fileCap, TMultipartForm* for
 
 }  // namespace
 
-// 'Multipart_Read()' - Body into memory, split on the boundary.
+// 'Multipart_Read()' - Body into memory, then parsed.
 bool Multipart_Read(pappl_client_t* client, const std::string& contentType, size_t fileCap, TMultipartForm* form) {
-  if (strncasecmp(contentType.c_str(), "multipart/form-data", 19) != 0) return false;
-  std::string boundary = Multipart_Param(contentType, "boundary");
-  if (boundary.empty()) return false;
+  if (strncasecmp(contentType.c_str(), "multipart/form-data", 19) != 0 ||
+      Multipart_Param(contentType, "boundary").empty())
+    return false;
   std::string body;
   if (!Multipart_Body(papplClientGetHTTP(client), fileCap + MULTIPART_FIELD_ROOM, &body)) {
     form->tooLarge = true;
     return true;
   }
+  return Multipart_Parse(body, contentType, fileCap, form);
+}
+
+// 'Multipart_Parse()' - Split on the boundary.
+bool Multipart_Parse(const std::string& body, const std::string& contentType, size_t fileCap, TMultipartForm* form) {
+  std::string boundary = Multipart_Param(contentType, "boundary");
+  if (strncasecmp(contentType.c_str(), "multipart/form-data", 19) != 0 || boundary.empty()) return false;
   std::string delimiter = "--" + boundary;
   size_t pos = body.find(delimiter);
   while (pos != std::string::npos) {

@@ -33,5 +33,12 @@ constexpr size_t MULTIPART_FIELD_ROOM = 64u * 1024u;
 // when the body is not a multipart form.
 bool Multipart_Read(pappl_client_t* client, const std::string& contentType, size_t fileCap, TMultipartForm* form);
 
+// 'Multipart_Parse()' - The parts of a whole multipart body already read
+// (Multipart_Read() calls it): text fields into form->fields, file parts
+// of at most fileCap bytes into form->files, larger ones only counted in
+// form->tooLarge.  False when contentType is not multipart/form-data with
+// a boundary.
+bool Multipart_Parse(const std::string& body, const std::string& contentType, size_t fileCap, TMultipartForm* form);
+
 // 'Multipart_Free()' - Free the text fields.
 void Multipart_Free(TMultipartForm* form);
