@@ -142,6 +142,27 @@ http_status_t Web_AuthCallback(pappl_client_t* client, const char*, gid_t, void*
 // 'Web_MayChange()' - PAPPL's own decision (our callback or PAM).
 bool Web_MayChange(pappl_client_t* client) { return papplClientIsAuthorized(client) == HTTP_STATUS_CONTINUE; }
 
+// 'Web_SessionToken()' - SHA-256 of key, credentials or "local".
+std::string Web_SessionToken(pappl_client_t* client) {
+  char key[256];
+  papplSystemGetSessionKey(papplClientGetSystem(client), key, sizeof(key));
+  std::string who = Web_IsLocalClient(client) ? std::string("local")
+                                              : Web_Field(papplClientGetHTTP(client), HTTP_FIELD_AUTHORIZATION);
+  std::string text = std::string(key) + ":" + who;
+  unsigned char sum[32];
+  char hex[65];
+  if (cupsHashData("sha2-256", text.data(), text.size(), sum, sizeof(sum)) != 32 ||
+      !cupsHashString(sum, sizeof(sum), hex, sizeof(hex)))
+    return "";
+  return hex;
+}
+
+// 'Web_StartForm()' - PAPPL's form start and our token.
+void Web_StartForm(pappl_client_t* client, const char* path, bool multipart, const std::string& token) {
+  papplClientHTMLStartForm(client, path, multipart);
+  papplClientHTMLPrintf(client, "<input type=\"hidden\" name=\"brellian-token\" value=\"%s\">\n", token.c_str());
+}
+
 // 'Web_Message()' - One message paragraph.
 void Web_Message(pappl_client_t* client, const std::string& text, bool error) {
   papplClientHTMLPuts(client, error ? "<p class=\"brellian-error\"><b>" : "<p class=\"brellian-message\">");

@@ -41,6 +41,18 @@ http_status_t Web_AuthCallback(pappl_client_t* client, const char* group, gid_t 
 // (auth-service), a user that service authenticates.
 bool Web_MayChange(pappl_client_t* client);
 
+// 'Web_SessionToken()' - The application's own form token for this
+// client's session: a hash of the server run's session key and the
+// client's credentials (the Authorization header), or of "local" for this
+// machine.  PAPPL 1.3.1's own token is one value for every client of a
+// server run; this one also differs between signed-in sessions.  Take it
+// before the request body is read (the header fields are gone after).
+std::string Web_SessionToken(pappl_client_t* client);
+
+// 'Web_StartForm()' - papplClientHTMLStartForm() plus a hidden
+// "brellian-token" field holding token.
+void Web_StartForm(pappl_client_t* client, const char* path, bool multipart, const std::string& token);
+
 // 'Web_Message()' - A paragraph with a message; error messages in bold.
 // The text is escaped.
 void Web_Message(pappl_client_t* client, const std::string& text, bool error);

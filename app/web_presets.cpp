@@ -45,8 +45,8 @@ bool Presets_Upload(const TMultipartForm& mp, int num_form, cups_option_t* form,
 }
 
 // 'Presets_Post()' - Carry out one form; the message for the page.
-bool Presets_Post(pappl_client_t* client, bool mayChange, const TAppModel& model, const std::string& serial,
-                  std::string* message, std::string* installed) {
+bool Presets_Post(pappl_client_t* client, bool mayChange, const std::string& token, const TAppModel& model,
+                  const std::string& serial, std::string* message, std::string* installed) {
   TMultipartForm mp;
   Upload_ReadForm(client, PRESETS_MAX_PNG_BYTES, &mp);
   int num_form = mp.numFields;
@@ -59,7 +59,8 @@ bool Presets_Post(pappl_client_t* client, bool mayChange, const TAppModel& model
     // The whole body was over the limit and dropped, token included.
     *message = "The upload is larger than the limit of " + Upload_Limit(PRESETS_MAX_PNG_BYTES) +
                ": nothing was changed.";
-  } else if (!papplClientIsValidForm(client, num_form, form)) {
+  } else if (!papplClientIsValidForm(client, num_form, form) || token.empty() ||
+             Web_FormValue(num_form, form, "brellian-token") != token) {
     *message = "Invalid form data (the form token is missing or out of date): nothing was changed.";
   } else if (serial.empty()) {
     *message = "This printer has no serial number yet: set it on the Device settings page.";
@@ -88,11 +89,12 @@ bool Web_PresetsPage(pappl_client_t* client, void* data) {
   // Decided before the body is read: the request's header fields are gone
   // once PAPPL has read the form.
   bool mayChange = Web_MayChange(client);
+  std::string token = Web_SessionToken(client);
   TAccessories acc = Acc_Load(printer, *model);
   std::string message, installed;
   bool ok = true;
   if (papplClientGetMethod(client) == HTTP_STATE_POST)
-    ok = Presets_Post(client, mayChange, *model, acc.serial, &message, &installed);
+    ok = Presets_Post(client, mayChange, token, *model, acc.serial, &message, &installed);
   char path[256], preview[256];
   papplPrinterGetPath(printer, "presets", path, sizeof(path));
   papplPrinterGetPath(printer, "uv-preview", preview, sizeof(preview));
@@ -114,7 +116,7 @@ bool Web_PresetsPage(pappl_client_t* client, void* data) {
     papplClientHTMLPuts(client, "<p>Presets of serial number ");
     papplClientHTMLEscape(client, acc.serial.c_str(), 0);
     papplClientHTMLPuts(client, ". The filter and the command-line preset tools use the same presets.</p>\n");
-    Presets_Forms(client, path, preview, settings);
+    Presets_Forms(client, path, preview, settings, token);
   }
   papplClientHTMLPrinterFooter(client);
   return true;

@@ -8,6 +8,7 @@
 #include "options/lut_file.h"
 #include "presets_store.h"
 #include "settings_keys.h"
+#include "web_access.h"
 #include "web_upload.h"
 
 namespace {
@@ -74,8 +75,9 @@ void Presets_AreaTable(pappl_client_t* client, const TBrellianSettings& s, TSett
 
 // 'Presets_SettingsForm()' - Areas and card settings.
 void Presets_SettingsForm(pappl_client_t* client, const char* path, const TBrellianSettings& s,
-                          const std::vector<std::string>& uv, const std::vector<std::string>& lut) {
-  papplClientHTMLStartForm(client, path, false);
+                          const std::vector<std::string>& uv, const std::vector<std::string>& lut,
+                          const std::string& token) {
+  Web_StartForm(client, path, false, token);
   papplClientHTMLPuts(client, "<input type=\"hidden\" name=\"action\" value=\"settings\">\n");
   papplClientHTMLPuts(client, "<p><small>Areas are \"LEFT TOP WIDTH HEIGHT\" with a unit each (px, mm, cm, in), "
                               "e.g. \"5mm 5mm 40mm 20mm\".</small></p>\n");
@@ -154,14 +156,15 @@ void Presets_PreviewImage(pappl_client_t* client, const char* previewPath, const
 }
 
 // 'Presets_Forms()' - The whole body of the page.
-void Presets_Forms(pappl_client_t* client, const char* path, const char* previewPath, const TBrellianSettings& s) {
+void Presets_Forms(pappl_client_t* client, const char* path, const char* previewPath, const TBrellianSettings& s,
+                   const std::string& token) {
   std::vector<std::string> uv = Presets_ListUv();
   std::vector<std::string> lut = Presets_ListLut();
-  Presets_SettingsForm(client, path, s, uv, lut);
+  Presets_SettingsForm(client, path, s, uv, lut, token);
   Presets_Installed(client, previewPath, uv, lut);
   std::string maxName = std::to_string(PRESETS_MAX_NAME);
   papplClientHTMLPuts(client, "<h3>Upload a UV image</h3>\n");
-  papplClientHTMLStartForm(client, path, true);
+  Web_StartForm(client, path, true, token);
   papplClientHTMLPrintf(client,
                         "<input type=\"hidden\" name=\"action\" value=\"uv\">\n<table class=\"form\">\n"
                         "<tr><th><label for=\"uv-preset\">Preset:</label></th><td><select name=\"uv-preset\" "
@@ -182,7 +185,7 @@ void Presets_Forms(pappl_client_t* client, const char* path, const char* preview
                         "</table></form>\n",
                         maxName.c_str(), maxName.c_str(), Upload_Limit(PRESETS_MAX_PNG_BYTES).c_str());
   papplClientHTMLPuts(client, "<h3>Upload a colour table</h3>\n");
-  papplClientHTMLStartForm(client, path, true);
+  Web_StartForm(client, path, true, token);
   papplClientHTMLPrintf(client,
                         "<input type=\"hidden\" name=\"action\" value=\"lut\">\n<table class=\"form\">\n"
                         "<tr><th><label for=\"lut-table\">Table:</label></th><td><select name=\"lut-table\" "

@@ -12,8 +12,10 @@
 // (areas as text, every other value a choice), the installed UV images
 // with previews and the installed colour tables, and the two upload
 // forms naming their limits.  path is the page's path, previewPath the
-// path of its UV preview pictures.  No server path is shown.
-void Presets_Forms(pappl_client_t* client, const char* path, const char* previewPath, const TBrellianSettings& s);
+// path of its UV preview pictures, token the session's form token
+// (Web_SessionToken()).  No server path is shown.
+void Presets_Forms(pappl_client_t* client, const char* path, const char* previewPath, const TBrellianSettings& s,
+                   const std::string& token);
 
 // 'Presets_PreviewImage()' - An <img> of the installed UV file name.
 void Presets_PreviewImage(pappl_client_t* client, const char* previewPath, const std::string& name);

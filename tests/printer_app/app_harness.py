@@ -372,8 +372,9 @@ def http_request(server, method, path, body=b"", headers=None, source=None):
     return status, rest.decode("utf-8", "replace")
 
 
-def post_form(server, path, form, changes, files=None, source=None):
+def post_form(server, path, form, changes, files=None, source=None, headers=None):
     """Post a page's form with some fields changed (and files attached); (status, page text)."""
+    extra_headers = headers
     fields = dict(form["fields"])
     fields.update(changes)
     fields = {k: v for k, v in fields.items() if v is not None}  # None unchecks a box
@@ -391,6 +392,7 @@ def post_form(server, path, form, changes, files=None, source=None):
                           "Content-Type: %s\r\n\r\n" % (boundary, k, fname, ctype)).encode() + data + b"\r\n")
         body = b"".join(parts) + ("--%s--\r\n" % boundary).encode()
         headers = {"Content-Type": "multipart/form-data; boundary=" + boundary}
+    headers.update(extra_headers or {})
     status, text = http_request(server, "POST", path, body, headers, source)
     return status, parse_page(text)[1]
 

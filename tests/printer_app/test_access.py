@@ -197,6 +197,17 @@ class AccessTest(unittest.TestCase):
         self.assertEqual(status, 200)
         self.assertEqual(h.ipp_simple(self.server, "acc", "Get-Printer-Attributes",
                                       display=("printer-location",)).get("printer-location"), "signed-in")
+        # The application's own form token belongs to one session: a form taken on this machine does not
+        # work in a signed-in session elsewhere, the session's own form does.
+        local_form = self.page("/acc/device")[0][0]
+        status, text = h.post_form(self.server, "/acc/device", local_form, {"serial": "SESSION1"}, source=OTHER,
+                                   headers=good)
+        self.assertIn("Invalid form data", text)
+        remote_form = self.page("/acc/device", headers=good, source=OTHER)[0][0]
+        self.assertNotEqual(local_form["fields"]["brellian-token"], remote_form["fields"]["brellian-token"])
+        status, text = h.post_form(self.server, "/acc/device", remote_form, {"serial": "SESSION2"}, source=OTHER,
+                                   headers=good)
+        self.assertIn("Device settings saved.", text)
 
 
 if __name__ == "__main__":
