@@ -1,6 +1,6 @@
 // Access rule of the application: this machine, or a signed-in administrator; small page helpers.
 // Copyright 2026 The rastertobrellian authors.
-#include "web_access.h"
+#include "app/web_access.h"
 
 #include <netinet/in.h>
 #include <sys/socket.h>

@@ -1,14 +1,14 @@
 // A multipart/form-data request body read by the application itself, into memory.
 // Copyright 2026 The rastertobrellian authors.
-#include "web_multipart.h"
+#include "app/web_multipart.h"
 
 #include <strings.h>
 
 namespace {
 
-// 'Multipart_Param()' - The value of a parameter (boundary=, name=,
+// 'Web_MultipartParam()' - The value of a parameter (boundary=, name=,
 // filename=) in a header line, quotes removed; "" when absent.
-std::string Multipart_Param(const std::string& line, const std::string& key, bool* present = nullptr) {
+std::string Web_MultipartParam(const std::string& line, const std::string& key, bool* present = nullptr) {
   size_t pos = 0;
   while ((pos = line.find(key + "=", pos)) != std::string::npos) {
     if (pos == 0 || line[pos - 1] == ' ' || line[pos - 1] == ';') break;
@@ -25,9 +25,9 @@ std::string Multipart_Param(const std::string& line, const std::string& key, boo
   return line.substr(pos, end == std::string::npos ? std::string::npos : end - pos);
 }
 
-// 'Multipart_Body()' - Read the whole body; false (body dropped) when it is
+// 'Web_MultipartBody()' - Read the whole body; false (body dropped) when it is
 // larger than limit.
-bool Multipart_Body(http_t* http, size_t limit, std::string* body) {
+bool Web_MultipartBody(http_t* http, size_t limit, std::string* body) {
   char buffer[65536];
   bool fits = true;
   ssize_t n;
@@ -42,8 +42,8 @@ bool Multipart_Body(http_t* http, size_t limit, std::string* body) {
   return fits;
 }
 
-// 'Multipart_Part()' - One part: its headers and its bytes.
-void Multipart_Part(const std::string& part, size_t fileCap, TMultipartForm* form) {
+// 'Web_MultipartPart()' - One part: its headers and its bytes.
+void Web_MultipartPart(const std::string& part, size_t fileCap, TMultipartForm* form) {
   size_t split = part.find("\r\n\r\n");
   if (split == std::string::npos) return;
   std::string headers = part.substr(0, split + 2);
@@ -55,10 +55,10 @@ void Multipart_Part(const std::string& part, size_t fileCap, TMultipartForm* for
     if (strncasecmp(line.c_str(), "Content-Disposition:", 20) == 0) disposition = line;
     pos = end + 2;
   }
-  std::string name = Multipart_Param(disposition, "name");
+  std::string name = Web_MultipartParam(disposition, "name");
   if (name.empty()) return;
   bool isFile = false;
-  std::string filename = Multipart_Param(disposition, "filename", &isFile);
+  std::string filename = Web_MultipartParam(disposition, "filename", &isFile);
   if (!isFile) {
     form->numFields = cupsAddOption(name.c_str(), data.c_str(), form->numFields, &form->fields);
   } else if (data.size() > fileCap) {
@@ -70,22 +70,22 @@ void Multipart_Part(const std::string& part, size_t fileCap, TMultipartForm* for
 
 }  // namespace
 
-// 'Multipart_Read()' - Body into memory, then parsed.
-bool Multipart_Read(pappl_client_t* client, const std::string& contentType, size_t fileCap, TMultipartForm* form) {
+// 'Web_MultipartRead()' - Body into memory, then parsed.
+bool Web_MultipartRead(pappl_client_t* client, const std::string& contentType, size_t fileCap, TMultipartForm* form) {
   if (strncasecmp(contentType.c_str(), "multipart/form-data", 19) != 0 ||
-      Multipart_Param(contentType, "boundary").empty())
+      Web_MultipartParam(contentType, "boundary").empty())
     return false;
   std::string body;
-  if (!Multipart_Body(papplClientGetHTTP(client), fileCap + MULTIPART_FIELD_ROOM, &body)) {
+  if (!Web_MultipartBody(papplClientGetHTTP(client), fileCap + WEB_MULTIPART_FIELD_ROOM, &body)) {
     form->tooLarge = true;
     return true;
   }
-  return Multipart_Parse(body, contentType, fileCap, form);
+  return Web_MultipartParse(body, contentType, fileCap, form);
 }
 
-// 'Multipart_Parse()' - Split on the boundary.
-bool Multipart_Parse(const std::string& body, const std::string& contentType, size_t fileCap, TMultipartForm* form) {
-  std::string boundary = Multipart_Param(contentType, "boundary");
+// 'Web_MultipartParse()' - Split on the boundary.
+bool Web_MultipartParse(const std::string& body, const std::string& contentType, size_t fileCap, TMultipartForm* form) {
+  std::string boundary = Web_MultipartParam(contentType, "boundary");
   if (strncasecmp(contentType.c_str(), "multipart/form-data", 19) != 0 || boundary.empty()) return false;
   std::string delimiter = "--" + boundary;
   size_t pos = body.find(delimiter);
@@ -95,14 +95,14 @@ bool Multipart_Parse(const std::string& body, const std::string& contentType, si
     if (body.compare(pos, 2, "\r\n") == 0) pos += 2;
     size_t next = body.find("\r\n" + delimiter, pos);
     if (next == std::string::npos) break;
-    Multipart_Part(body.substr(pos, next - pos), fileCap, form);
+    Web_MultipartPart(body.substr(pos, next - pos), fileCap, form);
     pos = next + 2;
   }
   return true;
 }
 
-// 'Multipart_Free()' - The text fields.
-void Multipart_Free(TMultipartForm* form) {
+// 'Web_MultipartFree()' - The text fields.
+void Web_MultipartFree(TMultipartForm* form) {
   cupsFreeOptions(form->numFields, form->fields);
   form->numFields = 0;
   form->fields = nullptr;

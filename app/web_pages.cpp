@@ -1,8 +1,8 @@
 // Registration of the per-printer web pages.
 // Copyright 2026 The rastertobrellian authors.
-#include "web_pages.h"
+#include "app/web_pages.h"
 
-#include "web_pappl_guard.h"
+#include "app/web_pappl_guard.h"
 
 // 'Web_AddPrinterPages()' - Three resources and two links per printer, and
 // the guard of PAPPL's printer home page.

@@ -1,8 +1,8 @@
 // Guards in front of PAPPL 1.3.1 pages that change state without asking who is changing it.
 // Copyright 2026 The rastertobrellian authors.
-#include "web_pappl_guard.h"
+#include "app/web_pappl_guard.h"
 
-#include "web_access.h"
+#include "app/web_access.h"
 
 // PAPPL 1.3.1's printer home page carries forms (hold new jobs, pause the
 // printer, set as default, print a test page) and carries them out on a

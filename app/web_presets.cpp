@@ -3,19 +3,19 @@
 #include <map>
 #include <string>
 
-#include "accessories.h"
+#include "app/accessories.h"
 #include "options/lut_file.h"
-#include "presets_store.h"
-#include "web_access.h"
-#include "web_pages.h"
-#include "web_presets_forms.h"
-#include "web_upload.h"
+#include "app/presets_store.h"
+#include "app/web_access.h"
+#include "app/web_pages.h"
+#include "app/web_presets_forms.h"
+#include "app/web_upload.h"
 
 namespace {
 
-// 'Presets_Upload()' - Carry out the "uv" or "lut" form; *installed gets
+// 'Web_PresetUpload()' - Carry out the "uv" or "lut" form; *installed gets
 // the UV name installed, for its preview.
-bool Presets_Upload(const TMultipartForm& mp, int num_form, cups_option_t* form, const std::string& action,
+bool Web_PresetUpload(const TMultipartForm& mp, int num_form, cups_option_t* form, const std::string& action,
                     const TAppModel& model, const std::string& serial, std::string* message, std::string* installed) {
   bool uv = action == "uv";
   std::string name = Web_FormValue(num_form, form, uv ? "uv-name" : "lut-name");
@@ -30,7 +30,7 @@ bool Presets_Upload(const TMultipartForm& mp, int num_form, cups_option_t* form,
   std::string bytes;
   // The file comes only from a file part of this request's body (never
   // from a path a client typed).
-  if (!Upload_File(mp, uv ? "uv-file" : "lut-file", uv ? PRESETS_MAX_PNG_BYTES : LUT_FILE_MAX, &bytes, message))
+  if (!Web_UploadFile(mp, uv ? "uv-file" : "lut-file", uv ? PRESETS_MAX_PNG_BYTES : LUT_FILE_MAX, &bytes, message))
     return false;
   if (uv) {
     if (!Presets_InstallUv(serial, model.id, number, name, Web_FormValue(num_form, form, "uv-fit"), bytes, message))
@@ -44,11 +44,11 @@ bool Presets_Upload(const TMultipartForm& mp, int num_form, cups_option_t* form,
   return true;
 }
 
-// 'Presets_Post()' - Carry out one form; the message for the page.
-bool Presets_Post(pappl_client_t* client, bool mayChange, const std::string& token, const TAppModel& model,
+// 'Web_PresetPost()' - Carry out one form; the message for the page.
+bool Web_PresetPost(pappl_client_t* client, bool mayChange, const std::string& token, const TAppModel& model,
                   const std::string& serial, std::string* message, std::string* installed) {
   TMultipartForm mp;
-  Upload_ReadForm(client, PRESETS_MAX_PNG_BYTES, &mp);
+  Web_UploadReadForm(client, PRESETS_MAX_PNG_BYTES, &mp);
   int num_form = mp.numFields;
   cups_option_t* form = mp.fields;
   bool ok = false;
@@ -57,7 +57,7 @@ bool Presets_Post(pappl_client_t* client, bool mayChange, const std::string& tok
     *message = "Presets can be changed only from this machine, or by a signed-in administrator: nothing was changed.";
   } else if (mp.tooLarge && num_form == 0) {
     // The whole body was over the limit and dropped, token included.
-    *message = "The upload is larger than the limit of " + Upload_Limit(PRESETS_MAX_PNG_BYTES) +
+    *message = "The upload is larger than the limit of " + Web_UploadLimit(PRESETS_MAX_PNG_BYTES) +
                ": nothing was changed.";
   } else if (!papplClientIsValidForm(client, num_form, form) || token.empty() ||
              Web_FormValue(num_form, form, "brellian-token") != token) {
@@ -70,12 +70,12 @@ bool Presets_Post(pappl_client_t* client, bool mayChange, const std::string& tok
     ok = Presets_ApplyValues(serial, values, message);
     if (ok) *message = "Presets saved.";
   } else if (action == "uv" || action == "lut") {
-    ok = Presets_Upload(mp, num_form, form, action, model, serial, message, installed);
+    ok = Web_PresetUpload(mp, num_form, form, action, model, serial, message, installed);
   } else {
     *message = "Unknown form.";
   }
   if (!ok && message->find("nothing was changed") == std::string::npos) *message += " Nothing was changed.";
-  Multipart_Free(&mp);
+  Web_MultipartFree(&mp);
   return ok;
 }
 
@@ -94,7 +94,7 @@ bool Web_PresetsPage(pappl_client_t* client, void* data) {
   std::string message, installed;
   bool ok = true;
   if (papplClientGetMethod(client) == HTTP_STATE_POST)
-    ok = Presets_Post(client, mayChange, token, *model, acc.serial, &message, &installed);
+    ok = Web_PresetPost(client, mayChange, token, *model, acc.serial, &message, &installed);
   char path[256], preview[256];
   papplPrinterGetPath(printer, "presets", path, sizeof(path));
   papplPrinterGetPath(printer, "uv-preview", preview, sizeof(preview));
@@ -102,7 +102,7 @@ bool Web_PresetsPage(pappl_client_t* client, void* data) {
   if (!message.empty()) Web_Message(client, message, !ok);
   if (!installed.empty()) {
     papplClientHTMLPuts(client, "<p id=\"uv-installed\">");
-    Presets_PreviewImage(client, preview, installed);
+    Web_PresetPreviewImage(client, preview, installed);
     papplClientHTMLPuts(client, "</p>\n");
   }
   TBrellianSettings settings;
@@ -116,7 +116,7 @@ bool Web_PresetsPage(pappl_client_t* client, void* data) {
     papplClientHTMLPuts(client, "<p>Presets of serial number ");
     papplClientHTMLEscape(client, acc.serial.c_str(), 0);
     papplClientHTMLPuts(client, ". The filter and the command-line preset tools use the same presets.</p>\n");
-    Presets_Forms(client, path, preview, settings, token);
+    Web_PresetForms(client, path, preview, settings, token);
   }
   papplClientHTMLPrinterFooter(client);
   return true;

@@ -1,13 +1,13 @@
 // Installs the access rules into PAPPL and keeps the control socket owner-only.
 // Copyright 2026 The rastertobrellian authors.
-#include "web_security.h"
+#include "app/web_security.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <ctime>
 
-#include "web_access.h"
+#include "app/web_access.h"
 
 namespace {
 

@@ -4,10 +4,10 @@
 
 #include <string>
 
-#include "job_options.h"
-#include "presets_store.h"
-#include "web_access.h"
-#include "web_multipart.h"
+#include "app/job_options.h"
+#include "app/presets_store.h"
+#include "app/web_access.h"
+#include "app/web_multipart.h"
 
 namespace {
 
@@ -52,14 +52,14 @@ TEST(WebMultipart, FieldsAndFilesAreTakenApart) {
       "Content-Type: image/png\r\n\r\n\x89PNG\r\n--X not the end\r\n"
       "--XB\r\nContent-Disposition: form-data; name=\"lut-file\"\r\n\r\n/etc/shadow\r\n");
   TMultipartForm form;
-  ASSERT_TRUE(Multipart_Parse(body, "multipart/form-data; boundary=XB", 100, &form));
+  ASSERT_TRUE(Web_MultipartParse(body, "multipart/form-data; boundary=XB", 100, &form));
   EXPECT_STREQ(cupsGetOption("session", form.numFields, form.fields), "token");
   ASSERT_EQ(form.files.count("uv-file"), 1u);
   EXPECT_EQ(form.files["uv-file"], "\x89PNG\r\n--X not the end");
   EXPECT_EQ(form.files.count("lut-file"), 0u) << "a text part is never a file, whatever it names";
   EXPECT_STREQ(cupsGetOption("lut-file", form.numFields, form.fields), "/etc/shadow");
   EXPECT_FALSE(form.tooLarge);
-  Multipart_Free(&form);
+  Web_MultipartFree(&form);
 }
 
 TEST(WebMultipart, AFileOfTheLimitIsTakenOneMoreByteIsNot) {
@@ -67,17 +67,17 @@ TEST(WebMultipart, AFileOfTheLimitIsTakenOneMoreByteIsNot) {
     std::string body = Body("--XB\r\nContent-Disposition: form-data; name=\"f\"; filename=\"x\"\r\n\r\n" +
                             std::string(size, 'z') + "\r\n");
     TMultipartForm form;
-    ASSERT_TRUE(Multipart_Parse(body, "multipart/form-data; boundary=\"XB\"", 16, &form));
+    ASSERT_TRUE(Web_MultipartParse(body, "multipart/form-data; boundary=\"XB\"", 16, &form));
     EXPECT_EQ(form.files.count("f"), size == 16 ? 1u : 0u);
     EXPECT_EQ(form.tooLarge, size == 17);
-    Multipart_Free(&form);
+    Web_MultipartFree(&form);
   }
 }
 
 TEST(WebMultipart, OtherBodiesAreNotMultipart) {
   TMultipartForm form;
-  EXPECT_FALSE(Multipart_Parse("a=b", "application/x-www-form-urlencoded", 16, &form));
-  EXPECT_FALSE(Multipart_Parse("--XB--\r\n", "multipart/form-data", 16, &form));
+  EXPECT_FALSE(Web_MultipartParse("a=b", "application/x-www-form-urlencoded", 16, &form));
+  EXPECT_FALSE(Web_MultipartParse("--XB--\r\n", "multipart/form-data", 16, &form));
   EXPECT_EQ(form.numFields, 0);
 }
 
