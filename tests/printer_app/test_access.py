@@ -82,8 +82,10 @@ class AccessTest(unittest.TestCase):
             status, text = h.post_form(self.server, form["action"] or path, form,
                                        {k: v for k, v in changes.items() if k in form["fields"]}, source=OTHER)
             self.assertIn(status, (401, 403), (path, form["fields"].get("action"), text[:200]))
-        for path in ("/config", "/acc/config", "/acc/printing", "/acc/delete", "/acc/presets", "/logs"):
+        for path in ("/config", "/acc/config", "/acc/printing", "/acc/delete", "/acc/presets", "/logs", "/logfile.txt",
+                     "/acc/uv-preview?name=x"):
             self.assertIn(h.http_request(self.server, "GET", path, source=OTHER)[0], (401, 403), path)
+        self.assertEqual(h.http_request(self.server, "GET", "/logs")[0], 200, "the log view, on this machine")
         self.assertEqual(before, self.state())
 
     def test_2_reverse_proxy_on_this_machine_is_not_local(self):
