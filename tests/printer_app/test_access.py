@@ -176,6 +176,14 @@ class AccessTest(unittest.TestCase):
             proc.terminate()
             proc.wait(timeout=20)
 
+    def test_7_printer_home_forms_stay_guarded_after_a_restart(self):
+        self.server.restart()
+        before = self.state()
+        for form in self.page("/acc/")[0]:
+            status, text = h.post_form(self.server, form["action"] or "/acc/", form, {}, source=OTHER)
+            self.assertIn(status, (401, 403), (form["fields"].get("action"), text[:200]))
+        self.assertEqual(before, self.state())
+
     def test_9_signed_in_administrator_may_change(self):
         form = self.page("/security")[0][0]
         status, text = h.post_form(self.server, "/security", form,
