@@ -165,7 +165,8 @@ int32_t TBatchPlan::Next(TCard* card, std::string* error) {
                                                  : "";
     card->doc.command = "gs -q -dSAFER -dBATCH -dNOPAUSE -sDEVICE=pwgraster -dcupsColorSpace=19 "
                         "-dcupsBitsPerColor=8 -r" + std::to_string(printer_.resolution) +
-                        (duplex ? " -dDuplex" : "") + range + " -sOutputFile=- -f " + Plan_Quote(card->doc.path);
+                        (duplex ? " -dDuplex" : "") + range + " -sOutputFile=- -f " + Plan_Quote(card->doc.path) +
+                        " 2>/dev/null";  // its progress lines would break the progress line
     card->doc.format = "image/pwg-raster";
   }
   return 1;
