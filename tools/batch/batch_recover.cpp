@@ -25,7 +25,8 @@ bool TBatchRunner::Recover(std::string* error) {
       }
       fprintf(stderr, "Cannot ask the printer whether card %d was sent (%s); trying again\n", static_cast<int>(c + 1),
               why.c_str());
-      if (Pause() != BATCH_EXIT_OK) {
+      recoverStatus_ = Pause();
+      if (recoverStatus_ != BATCH_EXIT_OK) {
         *error = "stopped before the batch was resumed";
         return false;
       }

@@ -66,7 +66,8 @@ int TBatchRunner::Run() {
   }
   if (!Recover(&error)) {
     fprintf(stderr, "brellian-batch: %s\n", error.c_str());
-    return journalError_.empty() ? BATCH_EXIT_STOPPED : BATCH_EXIT_JOURNAL;
+    if (!journalError_.empty()) return BATCH_EXIT_JOURNAL;
+    return recoverStatus_ != BATCH_EXIT_OK ? recoverStatus_ : BATCH_EXIT_STOPPED;
   }
   int32_t printed = 0;
   for (int32_t c = 0; c < journal_.Cards(); ++c) printed += journal_.Entry(c).state == CARD_PRINTED;

@@ -53,4 +53,5 @@ class TBatchRunner {
   std::string journalError_;
   bool stopping_ = false;  // the user asked to finish the current card and stop
   bool faultShown_ = false;
+  int recoverStatus_ = BATCH_EXIT_OK;  // why Recover() stopped, when Ctrl-C stopped it
 };
