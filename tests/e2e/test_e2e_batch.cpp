@@ -143,3 +143,34 @@ TEST_F(TBatchE2e, CtrlCWithoutATerminalFinishesTheCardsSentAndResumeDoesTheRest)
   ASSERT_TRUE(spooler.WaitIdle(60));
   Batch_CheckCards(Batch_ReadCaptures(spooler.CaptureDir()), 6, 6);
 }
+
+TEST_F(TBatchE2e, ACancelledCardIsReportedAndPrintedAgainOnlyWithRetryFailed) {
+  std::string dir = Cups_WorkDir("batch-cancelled");
+  TBatchSpooler spooler(dir);
+  std::string error;
+  ASSERT_TRUE(spooler.Start(&error)) << error;
+  ASSERT_TRUE(Batch_MakeMergedPdf(dir + "/merge.pdf", 4));
+  Batch_WriteCsv(dir + "/people.csv", 4);
+  Test_WriteFile(spooler.CaptureDir() + "/cancel-card", "2");
+  std::vector<std::string> args = {"-d", "cards", "--csv", dir + "/people.csv", "--poll-interval", "100",
+                                   dir + "/merge.pdf"};
+  TProcessResult run = Batch_RunTool(spooler, args, 40);
+  EXPECT_EQ(1, run.status) << run.out << run.err;
+  EXPECT_NE(std::string::npos, run.err.find("Card 2 (job ")) << run.err;
+  EXPECT_NE(std::string::npos, run.err.find("--retry-failed")) << run.err;
+  EXPECT_NE(std::string::npos, run.out.find("failed       1: 2 (job ")) << run.out;
+  ASSERT_TRUE(spooler.WaitIdle(60));
+  EXPECT_EQ(3u, Batch_ReadCaptures(spooler.CaptureDir()).size());
+
+  unlink((spooler.CaptureDir() + "/cancel-card").c_str());
+  args.push_back("--resume");
+  TProcessResult again = Batch_RunTool(spooler, args);
+  EXPECT_EQ(1, again.status) << again.out << again.err;
+  ASSERT_TRUE(spooler.WaitIdle(60));
+  EXPECT_EQ(3u, Batch_ReadCaptures(spooler.CaptureDir()).size()) << "a failed card waits for --retry-failed";
+  args.push_back("--retry-failed");
+  TProcessResult retried = Batch_RunTool(spooler, args);
+  EXPECT_EQ(0, retried.status) << retried.out << retried.err;
+  ASSERT_TRUE(spooler.WaitIdle(60));
+  Batch_CheckCards(Batch_ReadCaptures(spooler.CaptureDir()), 4, 4);
+}

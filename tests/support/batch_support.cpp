@@ -14,11 +14,15 @@ namespace {
 
 const char kBatchCapture[] =
     "#!/bin/sh\n"
-    "# batchcap: each job to <dir>/job-<id>.bin; fails the card named in <dir>/fail-card.\n"
+    "# batchcap: each job to <dir>/job-<id>.bin; fails the card named in <dir>/fail-card,\n"
+    "# cancels the one named in <dir>/cancel-card.\n"
     "if [ $# -eq 0 ]; then echo 'direct batchcap \"Unknown\" \"Batch capture\"'; exit 0; fi\n"
     "dir=\"${DEVICE_URI#batchcap:}\"\n"
     "if [ -f \"$dir/fail-card\" ]; then\n"
     "  case \"$3\" in *\" card $(cat \"$dir/fail-card\") of \"*) echo 'ERROR: capture refused' >&2; exit 1;; esac\n"
+    "fi\n"
+    "if [ -f \"$dir/cancel-card\" ]; then\n"
+    "  case \"$3\" in *\" card $(cat \"$dir/cancel-card\") of \"*) echo 'ERROR: capture cancelled' >&2; exit 5;; esac\n"
     "fi\n"
     "if [ -n \"$6\" ]; then cat \"$6\" > \"$dir/job-$1.part\"; else cat > \"$dir/job-$1.part\"; fi\n"
     "mv \"$dir/job-$1.part\" \"$dir/job-$1.bin\"\n"

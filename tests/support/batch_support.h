@@ -43,7 +43,8 @@ std::vector<TBatchCapture> Batch_ReadCaptures(const std::string& dir);
 // A private spooler with the queue "cards" (model 1030, magnetic encoder
 // installed) whose backend writes each job to <captureDir>/job-<id>.bin.
 // While <captureDir>/fail-card holds a card number N, the backend fails the
-// job named "... card N of ...", so the spooler stops the queue.
+// job named "... card N of ...", so the spooler stops the queue; while
+// <captureDir>/cancel-card holds N, it cancels that job (the queue goes on).
 class TBatchSpooler {
  public:
   explicit TBatchSpooler(const std::string& dir);
