@@ -8,6 +8,7 @@
 #include <grp.h>
 #include <pthread.h>
 #include <pwd.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -29,15 +30,6 @@ bool Run_WriteAll(int fd, const unsigned char* buffer, size_t bytes) {
   return true;
 }
 
-// 'Run_Clean()' - A filter line made safe for the job's message: control
-// characters become spaces, at most 200 bytes.
-std::string Run_Clean(const std::string& s) {
-  std::string out = s.substr(0, 200);
-  for (char& c : out)
-    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) c = ' ';
-  return out;
-}
-
 // 'Run_FilterUser()' - The user the filter runs as when the application
 // runs as root: $BRELLIAN_FILTER_USER, else "lp", the spooler's user that
 // runs it under CUPS (an empty value keeps root).  False: keep the user.
@@ -52,6 +44,17 @@ bool Run_FilterUser(uid_t* uid, gid_t* gid) {
   *uid = pw.pw_uid;
   *gid = pw.pw_gid;
   return true;
+}
+
+// 'Run_CloseOnExecAbove2()' - Mark every descriptor above 2 close-on-exec.
+// Async-signal-safe (called between fork and exec): close_range where the
+// kernel has it, else one fcntl per possible descriptor below maxFd.
+void Run_CloseOnExecAbove2(int maxFd) {
+  if (close_range(3, ~0U, CLOSE_RANGE_CLOEXEC) == 0) return;
+  for (int fd = 3; fd < maxFd; ++fd) {
+    int flags = fcntl(fd, F_GETFD);
+    if (flags >= 0) fcntl(fd, F_SETFD, flags | FD_CLOEXEC);
+  }
 }
 
 }  // namespace
@@ -99,6 +102,9 @@ bool TFilterRun::Start(const TFilterArgs& args) {
   uid_t uid = 0;
   gid_t gid = 0;
   bool drop = Run_FilterUser(&uid, &gid);
+  struct rlimit limit;
+  int maxFd = getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY
+                  ? static_cast<int>(limit.rlim_cur) : 65536;
   int failPipe[2];
   if (pipe2(failPipe, O_CLOEXEC) != 0) failPipe[0] = failPipe[1] = -1;
   pid_ = fork();
@@ -111,6 +117,11 @@ bool TFilterRun::Start(const TFilterArgs& args) {
     signal(SIGTERM, SIG_DFL);
     int code = 0;
     if (dup2(in[0], 0) < 0 || dup2(out[1], 1) < 0 || dup2(err[1], 2) < 0) code = errno;
+    // No other descriptor of the server (a device, a client's socket, a
+    // listener, a file PAPPL opened without close-on-exec) reaches the
+    // filter: all above 2 close at exec; the failure pipe stays usable
+    // until then.
+    if (!code) Run_CloseOnExecAbove2(maxFd);
     if (!code && drop && (setgroups(0, nullptr) != 0 || setgid(gid) != 0 || setuid(uid) != 0)) code = errno;
     if (!code) {
       execve(args.filter.c_str(), argv.data(), envp.data());
@@ -181,13 +192,30 @@ bool TFilterRun::Finish() {
   close(outFd_), close(errFd_);
   outFd_ = errFd_ = -1;
   bool clean = WIFEXITED(status) && WEXITSTATUS(status) == 0;
-  if (!clean)
+  if (!clean && !discarded_)
     papplLogJob(job_, PAPPL_LOGLEVEL_ERROR, "The filter ended with %s %d",
                 WIFEXITED(status) ? "status" : "signal", WIFEXITED(status) ? WEXITSTATUS(status) : WTERMSIG(status));
-  return clean && !deviceFailed_;
+  if (clean && !discarded_ && !held_.empty()) {
+    if (papplDeviceWrite(device_, held_.data(), held_.size()) != static_cast<ssize_t>(held_.size())) {
+      deviceFailed_ = true;
+      papplLogJob(job_, PAPPL_LOGLEVEL_ERROR, "Unable to send the job stream to the printer");
+    }
+    papplDeviceFlush(device_);
+  } else if (!held_.empty()) {
+    papplLogJob(job_, PAPPL_LOGLEVEL_INFO, "Not sent to the printer: %lu bytes of an unfinished job stream",
+                static_cast<unsigned long>(held_.size()));
+  }
+  std::string().swap(held_);
+  return clean && !discarded_ && !deviceFailed_;
 }
 
-// 'TFilterRun::Pump()' - Copy standard output to the device and turn
+// 'TFilterRun::Discard()' - Kill the filter; nothing of its stream is sent.
+void TFilterRun::Discard() {
+  discarded_ = true;
+  if (pid_ > 0) kill(pid_, SIGKILL);
+}
+
+// 'TFilterRun::Pump()' - Keep standard output for Finish() and turn
 // standard error into job messages until both pipes close.
 void TFilterRun::Pump() {
   std::string pending;
@@ -201,12 +229,8 @@ void TFilterRun::Pump() {
     }
     if (fds[0].revents) {
       ssize_t n = read(outFd_, buf, sizeof(buf));
-      if (n > 0 && !deviceFailed_) {
-        if (papplDeviceWrite(device_, buf, static_cast<size_t>(n)) != n) {
-          deviceFailed_ = true;
-          papplLogJob(job_, PAPPL_LOGLEVEL_ERROR, "Unable to send the job stream to the printer");
-          Cancel();
-        }
+      if (n > 0) {
+        if (!discarded_) held_.append(buf, static_cast<size_t>(n));
       } else if (n == 0 || (n < 0 && errno != EINTR)) {
         outOpen = false;
       }
@@ -227,34 +251,4 @@ void TFilterRun::Pump() {
     }
   }
   if (!pending.empty()) HandleLine(pending);
-  papplDeviceFlush(device_);
-}
-
-// 'TFilterRun::HandleLine()' - "PAGE:", "INFO:", "WARNING:", "ERROR:".
-void TFilterRun::HandleLine(const std::string& raw) {
-  std::string line = Run_Clean(raw);
-  auto text = [&](size_t prefix) {
-    size_t start = line.find_first_not_of(' ', prefix);
-    return start == std::string::npos ? std::string() : line.substr(start);
-  };
-  if (line.compare(0, 5, "PAGE:") == 0) {
-    papplLogJob(job_, PAPPL_LOGLEVEL_DEBUG, "Filter page %s", text(5).c_str());
-  } else if (line.compare(0, 5, "INFO:") == 0) {
-    papplLogJob(job_, PAPPL_LOGLEVEL_INFO, "%s", text(5).c_str());
-    if (messages_->warnings == 0 && messages_->errors == 0) papplJobSetMessage(job_, "%s", text(5).c_str());
-  } else if (line.compare(0, 8, "WARNING:") == 0) {
-    messages_->warnings++;
-    messages_->lastWarning = text(8);
-    papplLogJob(job_, PAPPL_LOGLEVEL_WARN, "%s", text(8).c_str());
-    papplJobSetReasons(job_, PAPPL_JREASON_WARNINGS_DETECTED, PAPPL_JREASON_NONE);
-    if (messages_->errors == 0) papplJobSetMessage(job_, "Warning: %s", text(8).c_str());
-  } else if (line.compare(0, 6, "ERROR:") == 0) {
-    messages_->errors++;
-    messages_->lastError = text(6);
-    papplLogJob(job_, PAPPL_LOGLEVEL_ERROR, "%s", text(6).c_str());
-    papplJobSetReasons(job_, PAPPL_JREASON_ERRORS_DETECTED, PAPPL_JREASON_NONE);
-    papplJobSetMessage(job_, "Error: %s", text(6).c_str());
-  } else if (!line.empty()) {
-    papplLogJob(job_, PAPPL_LOGLEVEL_DEBUG, "Filter: %s", line.c_str());
-  }
 }

@@ -8,6 +8,7 @@
 
 #include "app_system.h"
 #include "driver.h"
+#include "file_device.h"
 #include "models.h"
 #include "tool_model.h"
 
@@ -25,6 +26,7 @@ static void App_Usage(void*) { fputs(App_UsageText(), stdout); }
 int main(int argc, char* argv[]) {
   signal(SIGPIPE, SIG_IGN);  // a filter that ends early must not end the server
   Tool_Init();               // model tables for the presets; the library's trace log silent
+  FileDev_Register();        // before PAPPL registers its own "file" scheme
   int32_t count = 0;
   const TAppModel* models = App_Models(&count);
   static std::vector<pappl_pr_driver_t> drivers;

@@ -8,6 +8,7 @@
 // and a new one started for the next card.
 #include "raster_job.h"
 
+#include <cstring>
 #include <memory>
 #include <string>
 
@@ -15,6 +16,7 @@
 #include "filter_run.h"
 #include "job_options.h"
 #include "models.h"
+#include "raster_copies.h"
 
 extern char** environ;
 
@@ -28,10 +30,19 @@ struct TRasterJob {
   TFilterArgs args;
   TFilterMessages messages;
   std::unique_ptr<TFilterRun> run;
-  int pagesInCard = 0;   // pages given to the current run
-  int cardPages = 0;     // pages the current card takes
+  std::unique_ptr<TRasterCopies> copies;  // streamed raster with copies > 1
+  int copiesWanted = 1;
+  int pagesInCard = 0;    // pages given to the current run
+  int cardPages = 0;      // pages the current card takes
   int cards = 0;
+  unsigned rowsInPage = 0;
+  unsigned pageRows = 0;  // rows the page header announces
+  unsigned pagesSeen = 0;
+  unsigned totalPages = 0;  // pages a PWG header announces (0: not said)
   bool failed = false;
+  bool stoppedByUs = false;  // the job was cancelled here to end PAPPL's reading
+  std::string incomplete;    // why the document is not whole, when it is not
+  std::string failMessage;   // the job's message when it failed here, not in the filter
 };
 
 // 'Raster_Env()' - The filter's environment: the spooler's variables
@@ -67,10 +78,57 @@ bool Raster_NewCard(pappl_job_t* job, pappl_device_t* device, TRasterJob* rj) {
                           std::to_string(rj->cards) + ".ras";
   if (!rj->run->Start(rj->args)) {
     rj->failed = true;
-    papplJobSetMessage(job, "Unable to start the card filter");
+    rj->failMessage = "Unable to start the card filter.";
     return false;
   }
   return true;
+}
+
+// 'Raster_StopReading()' - The filter has failed: cancel the job so that
+// PAPPL stops reading the rest of the page from the client (its row loop
+// ends only on a cancel), which frees the printer at once.  The job's
+// message still names the filter's error.
+void Raster_StopReading(pappl_job_t* job, TRasterJob* rj) {
+  rj->failed = true;
+  if (rj->stoppedByUs || papplJobIsCanceled(job)) return;
+  rj->stoppedByUs = true;
+  papplLogJob(job, PAPPL_LOGLEVEL_ERROR, "The card filter has stopped; the rest of the document is not read");
+  papplJobCancel(job);
+}
+
+// 'Raster_BeginPage()' - A page header: a new card when the current one
+// has all its pages, then the header into the filter.
+bool Raster_BeginPage(pappl_job_t* job, pappl_device_t* device, TRasterJob* rj, cups_page_header2_t* h) {
+  if (!rj->run || rj->pagesInCard >= rj->cardPages) {
+    if (!Raster_NewCard(job, device, rj)) return false;
+    bool duplex = h->Duplex != 0;
+    rj->cardPages = JobOpt_PagesPerSide(rj->values, 0) + (duplex ? JobOpt_PagesPerSide(rj->values, 1) : 0);
+  }
+  rj->pagesInCard++;
+  if (!rj->run->WriteHeader(h)) {
+    papplLogJob(job, PAPPL_LOGLEVEL_ERROR, "The card filter does not take the page");
+    rj->failed = true;
+    return false;
+  }
+  return true;
+}
+
+// 'Raster_Copies()' - The further copies of a streamed raster document,
+// read back from the kept file through the same cards.
+void Raster_Copies(pappl_job_t* job, pappl_device_t* device, TRasterJob* rj) {
+  for (int copy = 2; copy <= rj->copiesWanted && !rj->failed && !papplJobIsCanceled(job); ++copy) {
+    rj->pagesInCard = rj->cardPages;  // each copy starts a new card
+    bool ok = rj->copies->Replay(
+        [&](cups_page_header2_t* h) { return Raster_BeginPage(job, device, rj, h); },
+        [&](const unsigned char* row, unsigned bytes) {
+          return !papplJobIsCanceled(job) && rj->run->WriteRow(row, bytes);
+        },
+        [&]() { return !papplJobIsCanceled(job); });
+    if (!ok && !papplJobIsCanceled(job)) {
+      rj->failed = true;
+      rj->failMessage = "Copy " + std::to_string(copy) + " of the document could not be printed.";
+    }
+  }
 }
 
 }  // namespace
@@ -98,6 +156,17 @@ bool Raster_StartJob(pappl_job_t* job, pappl_pr_options_t* options, pappl_device
   papplLogJob(job, PAPPL_LOGLEVEL_DEBUG, "Filter options: %s", opts.c_str());
   papplLogJob(job, PAPPL_LOGLEVEL_DEBUG, "Filter environment: %s %s %s", rj->args.env[0].c_str(),
               rj->args.env[1].c_str(), rj->args.env[2].c_str());
+  const char* format = papplJobGetFormat(job);
+  bool streamed = format && (!strcmp(format, "image/pwg-raster") || !strcmp(format, "image/urf"));
+  rj->copiesWanted = options->copies > 1 ? options->copies : 1;
+  if (streamed && rj->copiesWanted > 1) {
+    rj->copies.reset(new TRasterCopies);
+    if (!rj->copies->Open()) {
+      papplJobSetMessage(job, "Unable to keep the document for its %d copies.", rj->copiesWanted);
+      delete rj;
+      return false;
+    }
+  }
   papplJobSetData(job, rj);
   return true;
 }
@@ -108,15 +177,13 @@ bool Raster_StartPage(pappl_job_t* job, pappl_pr_options_t* options, pappl_devic
   if (!rj || rj->failed) return false;
   if (papplJobIsCanceled(job)) return false;
   cups_page_header2_t* h = &options->header;
-  if (!rj->run || rj->pagesInCard >= rj->cardPages) {
-    if (!Raster_NewCard(job, device, rj)) return false;
-    bool duplex = h->Duplex != 0;
-    rj->cardPages = JobOpt_PagesPerSide(rj->values, 0) + (duplex ? JobOpt_PagesPerSide(rj->values, 1) : 0);
-  }
-  rj->pagesInCard++;
-  if (!rj->run->WriteHeader(h)) {
-    papplLogJob(job, PAPPL_LOGLEVEL_ERROR, "The card filter does not take the page");
-    rj->failed = true;
+  rj->pagesSeen++;
+  rj->rowsInPage = 0;
+  rj->pageRows = h->cupsHeight;
+  if (rj->pagesSeen == 1) rj->totalPages = h->cupsInteger[CUPS_RASTER_PWG_TotalPageCount];
+  if (rj->copies && !rj->copies->WriteHeader(h)) rj->copies.reset();
+  if (!Raster_BeginPage(job, device, rj, h)) {
+    Raster_StopReading(job, rj);
     return false;
   }
   return true;
@@ -130,42 +197,75 @@ bool Raster_WriteLine(pappl_job_t* job, pappl_pr_options_t* options, pappl_devic
     rj->run->Cancel();
     return false;
   }
-  if (!rj->run->WriteRow(line, options->header.cupsBytesPerLine)) rj->failed = true;
+  rj->rowsInPage++;
+  if (rj->copies && !rj->copies->WriteRow(line, options->header.cupsBytesPerLine)) rj->copies.reset();
+  if (!rj->run->WriteRow(line, options->header.cupsBytesPerLine)) Raster_StopReading(job, rj);
   return !rj->failed;
 }
 
-// 'Raster_EndPage()' - Nothing to do but notice a cancel.
-bool Raster_EndPage(pappl_job_t* job, pappl_pr_options_t*, pappl_device_t*, unsigned) {
+// 'Raster_EndPage()' - A page that did not arrive whole fails the job:
+// the filter is killed and nothing of its stream reaches the printer.
+bool Raster_EndPage(pappl_job_t* job, pappl_pr_options_t*, pappl_device_t*, unsigned page) {
   TRasterJob* rj = static_cast<TRasterJob*>(papplJobGetData(job));
   if (!rj) return false;
-  if (papplJobIsCanceled(job) && rj->run) rj->run->Cancel();
+  if (papplJobIsCanceled(job)) {
+    if (rj->run && !rj->stoppedByUs) rj->run->Cancel();
+    return !rj->failed;
+  }
+  if (!rj->failed && rj->rowsInPage < rj->pageRows) {
+    rj->incomplete = "page " + std::to_string(page) + " has " + std::to_string(rj->rowsInPage) + " of its " +
+                     std::to_string(rj->pageRows) + " rows";
+    if (rj->run) rj->run->Discard();
+    rj->failed = true;
+  }
   return !rj->failed;
 }
 
-// 'Raster_EndJob()' - Finish the last run; the job's final message.
-bool Raster_EndJob(pappl_job_t* job, pappl_pr_options_t*, pappl_device_t*) {
+// 'Raster_EndJob()' - Finish the last run, print the further copies; the
+// job's final message.
+bool Raster_EndJob(pappl_job_t* job, pappl_pr_options_t*, pappl_device_t* device) {
   TRasterJob* rj = static_cast<TRasterJob*>(papplJobGetData(job));
   if (!rj) return false;
-  bool cancelled = papplJobIsCanceled(job);
+  bool cancelled = papplJobIsCanceled(job) && !rj->stoppedByUs;
+  if (!rj->failed && !cancelled && rj->totalPages > rj->pagesSeen) {
+    rj->incomplete = std::to_string(rj->pagesSeen) + " of its " + std::to_string(rj->totalPages) + " pages arrived";
+    rj->failed = true;
+    if (rj->run) rj->run->Discard();
+  }
+  if (!rj->failed && !cancelled && rj->copiesWanted > 1 && rj->copies) Raster_Copies(job, device, rj);
+  else if (!rj->failed && !cancelled && rj->copiesWanted > 1 && papplJobGetFormat(job) &&
+           (!strcmp(papplJobGetFormat(job), "image/pwg-raster") || !strcmp(papplJobGetFormat(job), "image/urf"))) {
+    rj->failed = true;
+    rj->failMessage = "The document could not be kept for its copies (is the temporary directory full?).";
+  }
   if (rj->run) {
     if (cancelled) rj->run->Cancel();
     if (!rj->run->Finish() && !cancelled) rj->failed = true;
   }
   rj->run.reset();
   bool ok = !rj->failed && rj->cards > 0;
-  if (rj->failed && !cancelled)
-    papplJobSetMessage(job, "%s", rj->messages.errors > 0 ? rj->messages.lastError.c_str() : "Printing failed.");
-  else if (cancelled)
+  if (!rj->incomplete.empty()) {
+    papplLogJob(job, PAPPL_LOGLEVEL_ERROR, "The document did not arrive whole: %s", rj->incomplete.c_str());
+    papplJobSetMessage(job, "The document did not arrive whole (%s); nothing was sent to the printer.",
+                       rj->incomplete.c_str());
+    papplJobSetReasons(job, PAPPL_JREASON_DOCUMENT_FORMAT_ERROR, PAPPL_JREASON_NONE);
+  } else if (rj->failed && !cancelled) {
+    papplJobSetMessage(job, "%s", rj->messages.errors > 0      ? rj->messages.lastError.c_str()
+                                  : !rj->failMessage.empty() ? rj->failMessage.c_str()
+                                                             : "Printing failed.");
+    papplJobSetReasons(job, PAPPL_JREASON_ERRORS_DETECTED, PAPPL_JREASON_NONE);
+  } else if (cancelled) {
     papplJobSetMessage(job, "Cancelled.");
-  else if (rj->cards == 0)
+  } else if (rj->cards == 0) {
     papplJobSetMessage(job, "No pages found.");
-  else if (rj->messages.errors > 0)
+  } else if (rj->messages.errors > 0) {
     papplJobSetMessage(job, "Error: %s", rj->messages.lastError.c_str());
-  else if (rj->messages.warnings > 0)
+  } else if (rj->messages.warnings > 0) {
     papplJobSetMessage(job, "%d card%s printed with warnings: %s", rj->cards, rj->cards == 1 ? "" : "s",
                        rj->messages.lastWarning.c_str());
-  else
+  } else {
     papplJobSetMessage(job, "%d card%s printed.", rj->cards, rj->cards == 1 ? "" : "s");
+  }
   if (ok && rj->messages.warnings > 0)
     papplJobSetReasons(job, PAPPL_JREASON_JOB_COMPLETED_WITH_WARNINGS, PAPPL_JREASON_NONE);
   papplJobSetData(job, nullptr);
