@@ -13,6 +13,7 @@
 #include "accessories.h"
 #include "driver.h"
 #include "models.h"
+#include "pdf_job.h"
 #include "vendor_table.h"
 #include "web_pages.h"
 
@@ -117,6 +118,7 @@ pappl_system_t* App_SystemCallback(int num_options, cups_option_t* options, void
   std::vector<pappl_pr_driver_t>& drivers = Sys_Drivers();
   papplSystemSetPrinterDrivers(system, static_cast<int>(drivers.size()), drivers.data(), Driver_AutoAdd,
                                App_PrinterCreated, Driver_Callback, nullptr);
+  papplSystemAddMIMEFilter(system, "application/pdf", "application/vnd.brellian-job", Pdf_PrintFile, nullptr);
   static const std::string strings = Vendor_StringsText();
   papplSystemAddStringsData(system, "/en.strings", "en", strings.c_str());
   papplSystemSetFooterHTML(system, "Brellian card printer application " BRELLIAN_APP_VERSION);

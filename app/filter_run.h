@@ -11,12 +11,19 @@
 #include <thread>
 #include <vector>
 
+#include "child_spawn.h"
+
 // What a filter run is started with.
 struct TFilterArgs {
   std::string filter;                // path of rastertobrellian
   std::string keepRaster;            // when set, a copy of the raster stream goes to this file
   std::vector<std::string> argv;     // job-id, user, title, copies, options
   std::vector<std::string> env;      // "NAME=value" entries
+  // Filters run before rastertobrellian, each reading the one before; the
+  // first reads inputFile and the last one's output is the filter's
+  // input (no raster is then written through WriteHeader/WriteRow).
+  std::vector<TChildSpec> upstream;
+  std::string inputFile;
 };
 
 // The messages a filter run left for its job.
@@ -69,6 +76,8 @@ class TFilterRun {
   std::thread pump_;
   std::string held_;  // the filter's standard output, sent by Finish()
   std::atomic<bool> discarded_{false};
+  std::vector<pid_t> upstream_;
+  bool upstreamFailed_ = false;
   bool deviceFailed_ = false;
   bool cancelled_ = false;
   bool inputBroken_ = false;

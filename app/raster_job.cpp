@@ -13,12 +13,11 @@
 #include <string>
 
 #include "accessories.h"
+#include "filter_args.h"
 #include "filter_run.h"
 #include "job_options.h"
 #include "models.h"
 #include "raster_copies.h"
-
-extern char** environ;
 
 namespace {
 
@@ -44,25 +43,6 @@ struct TRasterJob {
   std::string incomplete;    // why the document is not whole, when it is not
   std::string failMessage;   // the job's message when it failed here, not in the filter
 };
-
-// 'Raster_Env()' - The filter's environment: the spooler's variables
-// (PPD, DEVICE_URI with the serial number, PRINTER) and a few of ours.
-std::vector<std::string> Raster_Env(const TAppModel& model, const TAccessories& acc, pappl_printer_t* printer) {
-  std::vector<std::string> env;
-  std::string uri = papplPrinterGetDeviceURI(printer);
-  uri = uri.substr(0, uri.find('?'));
-  if (!acc.serial.empty()) uri += "?serial=" + acc.serial;
-  env.push_back("PPD=" + App_PpdPath(model));
-  env.push_back("DEVICE_URI=" + uri);
-  env.push_back(std::string("PRINTER=") + papplPrinterGetName(printer));
-  env.push_back("CONTENT_TYPE=application/vnd.cups-raster");
-  env.push_back("FINAL_CONTENT_TYPE=application/vnd.brellian-job");
-  for (const char* keep : {"PATH", "HOME", "LANG", "TMPDIR"}) {
-    const char* v = getenv(keep);
-    if (v) env.push_back(std::string(keep) + "=" + v);
-  }
-  return env;
-}
 
 // 'Raster_NewCard()' - Finish the run of the last card, start one for the next.
 bool Raster_NewCard(pappl_job_t* job, pappl_device_t* device, TRasterJob* rj) {
@@ -135,27 +115,11 @@ void Raster_Copies(pappl_job_t* job, pappl_device_t* device, TRasterJob* rj) {
 
 // 'Raster_StartJob()' - Options of the job; the first run starts with the first page.
 bool Raster_StartJob(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t*) {
-  pappl_printer_t* printer = papplJobGetPrinter(job);
-  const TAppModel* model = App_FindModel(papplPrinterGetDriverName(printer));
-  if (!model) return false;
   TRasterJob* rj = new TRasterJob;
-  rj->model = model;
-  rj->acc = Acc_Load(printer, *model);
-  ipp_t* attrs = papplPrinterGetDriverAttributes(printer);
-  std::string refused;
-  rj->values = JobOpt_Collect(*model, rj->acc, options->num_vendor, options->vendor, attrs, &refused);
-  ippDelete(attrs);
-  if (!refused.empty())
-    papplLogJob(job, PAPPL_LOGLEVEL_WARN, "Values not offered by this printer, defaults used: %s", refused.c_str());
-  std::string opts = JobOpt_FilterOptions(rj->acc, rj->values);
-  const char* user = papplJobGetUsername(job);
-  const char* title = papplJobGetName(job);
-  rj->args.filter = App_FilterPath();
-  rj->args.argv = {std::to_string(papplJobGetID(job)), user ? user : "guest", title ? title : "", "1", opts};
-  rj->args.env = Raster_Env(*model, rj->acc, printer);
-  papplLogJob(job, PAPPL_LOGLEVEL_DEBUG, "Filter options: %s", opts.c_str());
-  papplLogJob(job, PAPPL_LOGLEVEL_DEBUG, "Filter environment: %s %s %s", rj->args.env[0].c_str(),
-              rj->args.env[1].c_str(), rj->args.env[2].c_str());
+  if (!Args_ForJob(job, options, "application/vnd.cups-raster", &rj->model, &rj->acc, &rj->values, &rj->args)) {
+    delete rj;
+    return false;
+  }
   const char* format = papplJobGetFormat(job);
   bool streamed = format && (!strcmp(format, "image/pwg-raster") || !strcmp(format, "image/urf"));
   rj->copiesWanted = options->copies > 1 ? options->copies : 1;

@@ -208,6 +208,33 @@ class AppJobsTest(unittest.TestCase):
         after = self.print_job("card30", self.pwg300, "image/pwg-raster", "afterlong30")
         self.assertEqual(after["job-state"], "completed", after)
 
+    def test_pdf_prints_the_card_a_ppd_queue_prints(self):
+        pdf = os.path.join(os.path.dirname(__file__), "..", "..", "docs", "samples", "sample-card.pdf")
+        job = self.print_job("card60", pdf, "application/pdf", "pdf60")
+        self.assertEqual(job["job-state"], "completed", job)
+        # The sample has two pages; a simplex card takes one (the filter warns of the other, as on a PPD queue).
+        self.assertTrue(job["job-state-message"].startswith("1 card printed"), job["job-state-message"])
+        # The PPD queue's chain, run by the spooler's own test tool, up to the raster the filter reads.
+        raster = os.path.join(self.server.tmp, "pdf60.ras")
+        with open(raster, "wb") as f:
+            r = subprocess.run(["cupsfilter", "-p", os.path.join(BUILD, "ppd", "br1060.ppd"), "-m",
+                                "application/vnd.cups-raster", "-e", pdf], stdout=f, stderr=subprocess.PIPE)
+        self.assertEqual(r.returncode, 0, r.stderr.decode(errors="replace")[-2000:])
+        out, err, status = h.run_filter(self.real_filter, BUILD, "br1060.ppd", raster, job["job-id"], "pdf60", "",
+                                        "card60")
+        self.assertEqual(status, 0, err)
+        got, n_got = h.mask_card_ids(self.device_output("card60", "pdf60"))
+        want, n_want = h.mask_card_ids(out)
+        self.assertEqual(n_got, 2)  # start and end of one card
+        self.assertEqual(len(got), len(want))
+        self.assertTrue(got == want, "the application's card differs from the PPD queue's")
+
+    def test_pdf_copies_sent_as_octet_stream(self):
+        pdf = os.path.join(os.path.dirname(__file__), "..", "..", "docs", "samples", "sample-card.pdf")
+        job = self.print_job("card30", pdf, "application/octet-stream", "pdfauto30", copies=2)
+        self.assertEqual(job["job-state"], "completed", job)
+        self.assertTrue(job["job-state-message"].startswith("2 cards printed"), job["job-state-message"])
+
 
 if __name__ == "__main__":
     unittest.main(verbosity=2)

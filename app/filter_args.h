@@ -1,0 +1,18 @@
+// The filter's arguments and environment for a job, from its printer, accessories and card attributes.
+// Copyright 2026 The rastertobrellian authors.
+#pragma once
+
+#include <pappl/pappl.h>
+
+#include "accessories.h"
+#include "filter_run.h"
+#include "job_options.h"
+#include "models.h"
+
+// 'Args_ForJob()' - The printer's model and accessories, the job's card
+// values (values a printer does not offer fall back to the defaults, with
+// a job log line) and the filter's arguments and environment, as the
+// spooler would start it for a document of contentType.  False when the
+// printer's driver names no model.
+bool Args_ForJob(pappl_job_t* job, pappl_pr_options_t* options, const char* contentType, const TAppModel** model,
+                 TAccessories* acc, TCardValues* values, TFilterArgs* args);
