@@ -10,6 +10,7 @@
 #include "driver.h"
 #include "file_device.h"
 #include "models.h"
+#include "stream_queue.h"
 #include "tool_model.h"
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -27,6 +28,7 @@ int main(int argc, char* argv[]) {
   signal(SIGPIPE, SIG_IGN);  // a filter that ends early must not end the server
   Tool_Init();               // model tables for the presets; the library's trace log silent
   FileDev_Register();        // before PAPPL registers its own "file" scheme
+  (void)StreamQueue_Active();  // raster jobs wait for a busy printer
   int32_t count = 0;
   const TAppModel* models = App_Models(&count);
   static std::vector<pappl_pr_driver_t> drivers;

@@ -235,6 +235,24 @@ class AppJobsTest(unittest.TestCase):
         self.assertEqual(job["job-state"], "completed", job)
         self.assertTrue(job["job-state-message"].startswith("2 cards printed"), job["job-state-message"])
 
+    def test_twenty_clients_at_once_all_print(self):
+        import concurrent.futures
+        jpeg = os.path.join(self.server.tmp, "photo.jpg")
+        with open(jpeg, "wb") as f:
+            ppm = b"P6 64 40 255\n" + bytes((x * 4) % 256 for x in range(64 * 40 * 3))
+            f.write(subprocess.run(["cjpeg"], input=ppm, capture_output=True, check=True).stdout)
+        docs = [(self.pwg300, "image/pwg-raster")] * 8 + [(self.urf300, "image/urf")] * 8 + [(jpeg, "image/jpeg")] * 4
+
+        def submit(i):
+            doc, fmt = docs[i]
+            return h.ipp_print(self.server, "card30", doc, fmt, "crowd%02d" % i)
+        with concurrent.futures.ThreadPoolExecutor(max_workers=20) as pool:
+            jobs = list(pool.map(submit, range(20)))
+        states = sorted(set((j["job-state"], j["job-state-message"]) for j in jobs))
+        self.assertEqual(states, [("completed", "1 card printed.")])
+        for i in range(20):
+            self.assertGreater(os.path.getsize(os.path.join(self.out["card30"], "crowd%02d.brj" % i)), 1000)
+
 
 if __name__ == "__main__":
     unittest.main(verbosity=2)
