@@ -1,6 +1,6 @@
 // Child processes of the server: the filter and the upstream PDF filters, isolated the same way.
 // Copyright 2026 The rastertobrellian authors.
-#include "child_spawn.h"
+#include "app/child_spawn.h"
 
 #include <fcntl.h>
 #include <grp.h>

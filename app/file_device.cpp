@@ -8,7 +8,7 @@
 // ends: rename replaces a planted link instead of writing through it.  A
 // device that names a file appends to it, refusing a link or a hard-linked
 // file; a character device (a printer port) is opened as it is.
-#include "file_device.h"
+#include "app/file_device.h"
 
 #include <fcntl.h>
 #include <pappl/pappl.h>

@@ -1,6 +1,6 @@
 // The filter's arguments and environment for a job, from its printer, accessories and card attributes.
 // Copyright 2026 The rastertobrellian authors.
-#include "filter_args.h"
+#include "app/filter_args.h"
 
 #include <cstdlib>
 #include <string>

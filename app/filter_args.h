@@ -4,10 +4,10 @@
 
 #include <pappl/pappl.h>
 
-#include "accessories.h"
-#include "filter_run.h"
-#include "job_options.h"
-#include "models.h"
+#include "app/accessories.h"
+#include "app/filter_run.h"
+#include "app/job_options.h"
+#include "app/models.h"
 
 // 'Args_ForJob()' - The printer's model and accessories, the job's card
 // values (values a printer does not offer fall back to the defaults, with

@@ -2,7 +2,7 @@
 // Copyright 2026 The rastertobrellian authors.
 #include <string>
 
-#include "filter_run.h"
+#include "app/filter_run.h"
 
 namespace {
 

@@ -11,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-#include "child_spawn.h"
+#include "app/child_spawn.h"
 
 // What a filter run is started with.
 struct TFilterArgs {

@@ -6,12 +6,12 @@
 #include <cstdio>
 #include <vector>
 
-#include "app_system.h"
-#include "driver.h"
-#include "file_device.h"
-#include "models.h"
-#include "stream_queue.h"
-#include "tool_model.h"
+#include "app/app_system.h"
+#include "app/file_device.h"
+#include "app/pappl_driver.h"
+#include "app/models.h"
+#include "app/stream_queue.h"
+#include "lib/tool_model.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 // 'main' of a sanitizer build: PAPPL and libcups keep allocations to the

@@ -1,6 +1,6 @@
 // PDF documents: printed through the spooler's own PDF filters and ghostscript, then rastertobrellian.
 // Copyright 2026 The rastertobrellian authors.
-#include "pdf_job.h"
+#include "app/pdf_job.h"
 
 #include <ftw.h>
 #include <unistd.h>
@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
-#include "filter_args.h"
-#include "filter_run.h"
+#include "app/filter_args.h"
+#include "app/filter_run.h"
 
 // 'Pdf_FilterDir()' - The upstream filters' directory.
 const char* Pdf_FilterDir() {

@@ -1,6 +1,6 @@
 // A streamed raster document kept in an unnamed temporary file, so that its copies can be printed.
 // Copyright 2026 The rastertobrellian authors.
-#include "raster_copies.h"
+#include "app/raster_copies.h"
 
 #include <fcntl.h>
 #include <stdlib.h>

@@ -6,18 +6,18 @@
 // multi-card documents arrive as more pages than one card takes, so when a
 // card's pages are complete and another page comes, the run is finished
 // and a new one started for the next card.
-#include "raster_job.h"
+#include "app/raster_job.h"
 
 #include <cstring>
 #include <memory>
 #include <string>
 
-#include "accessories.h"
-#include "filter_args.h"
-#include "filter_run.h"
-#include "job_options.h"
-#include "models.h"
-#include "raster_copies.h"
+#include "app/accessories.h"
+#include "app/filter_args.h"
+#include "app/filter_run.h"
+#include "app/job_options.h"
+#include "app/models.h"
+#include "app/raster_copies.h"
 
 namespace {
 
@@ -44,8 +44,8 @@ struct TRasterJob {
   std::string failMessage;   // the job's message when it failed here, not in the filter
 };
 
-// 'Raster_NewCard()' - Finish the run of the last card, start one for the next.
-bool Raster_NewCard(pappl_job_t* job, pappl_device_t* device, TRasterJob* rj) {
+// 'RasterJob_NewCard()' - Finish the run of the last card, start one for the next.
+bool RasterJob_NewCard(pappl_job_t* job, pappl_device_t* device, TRasterJob* rj) {
   if (rj->run && !rj->run->Finish()) rj->failed = true;
   rj->run.reset(new TFilterRun(job, device, &rj->messages));
   rj->pagesInCard = 0;
@@ -64,11 +64,11 @@ bool Raster_NewCard(pappl_job_t* job, pappl_device_t* device, TRasterJob* rj) {
   return true;
 }
 
-// 'Raster_StopReading()' - The filter has failed: cancel the job so that
+// 'RasterJob_StopReading()' - The filter has failed: cancel the job so that
 // PAPPL stops reading the rest of the page from the client (its row loop
 // ends only on a cancel), which frees the printer at once.  The job's
 // message still names the filter's error.
-void Raster_StopReading(pappl_job_t* job, TRasterJob* rj) {
+void RasterJob_StopReading(pappl_job_t* job, TRasterJob* rj) {
   rj->failed = true;
   if (rj->stoppedByUs || papplJobIsCanceled(job)) return;
   rj->stoppedByUs = true;
@@ -76,11 +76,11 @@ void Raster_StopReading(pappl_job_t* job, TRasterJob* rj) {
   papplJobCancel(job);
 }
 
-// 'Raster_BeginPage()' - A page header: a new card when the current one
+// 'RasterJob_BeginPage()' - A page header: a new card when the current one
 // has all its pages, then the header into the filter.
-bool Raster_BeginPage(pappl_job_t* job, pappl_device_t* device, TRasterJob* rj, cups_page_header2_t* h) {
+bool RasterJob_BeginPage(pappl_job_t* job, pappl_device_t* device, TRasterJob* rj, cups_page_header2_t* h) {
   if (!rj->run || rj->pagesInCard >= rj->cardPages) {
-    if (!Raster_NewCard(job, device, rj)) return false;
+    if (!RasterJob_NewCard(job, device, rj)) return false;
     bool duplex = h->Duplex != 0;
     rj->cardPages = JobOpt_PagesPerSide(rj->values, 0) + (duplex ? JobOpt_PagesPerSide(rj->values, 1) : 0);
   }
@@ -93,13 +93,13 @@ bool Raster_BeginPage(pappl_job_t* job, pappl_device_t* device, TRasterJob* rj, 
   return true;
 }
 
-// 'Raster_Copies()' - The further copies of a streamed raster document,
+// 'RasterJob_Copies()' - The further copies of a streamed raster document,
 // read back from the kept file through the same cards.
-void Raster_Copies(pappl_job_t* job, pappl_device_t* device, TRasterJob* rj) {
+void RasterJob_Copies(pappl_job_t* job, pappl_device_t* device, TRasterJob* rj) {
   for (int copy = 2; copy <= rj->copiesWanted && !rj->failed && !papplJobIsCanceled(job); ++copy) {
     rj->pagesInCard = rj->cardPages;  // each copy starts a new card
     bool ok = rj->copies->Replay(
-        [&](cups_page_header2_t* h) { return Raster_BeginPage(job, device, rj, h); },
+        [&](cups_page_header2_t* h) { return RasterJob_BeginPage(job, device, rj, h); },
         [&](const unsigned char* row, unsigned bytes) {
           return !papplJobIsCanceled(job) && rj->run->WriteRow(row, bytes);
         },
@@ -113,8 +113,8 @@ void Raster_Copies(pappl_job_t* job, pappl_device_t* device, TRasterJob* rj) {
 
 }  // namespace
 
-// 'Raster_StartJob()' - Options of the job; the first run starts with the first page.
-bool Raster_StartJob(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t*) {
+// 'RasterJob_StartJob()' - Options of the job; the first run starts with the first page.
+bool RasterJob_StartJob(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t*) {
   TRasterJob* rj = new TRasterJob;
   if (!Args_ForJob(job, options, "application/vnd.cups-raster", &rj->model, &rj->acc, &rj->values, &rj->args)) {
     delete rj;
@@ -135,8 +135,8 @@ bool Raster_StartJob(pappl_job_t* job, pappl_pr_options_t* options, pappl_device
   return true;
 }
 
-// 'Raster_StartPage()' - A new card when the current one has all its pages.
-bool Raster_StartPage(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* device, unsigned) {
+// 'RasterJob_StartPage()' - A new card when the current one has all its pages.
+bool RasterJob_StartPage(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* device, unsigned) {
   TRasterJob* rj = static_cast<TRasterJob*>(papplJobGetData(job));
   if (!rj || rj->failed) return false;
   if (papplJobIsCanceled(job)) return false;
@@ -146,15 +146,15 @@ bool Raster_StartPage(pappl_job_t* job, pappl_pr_options_t* options, pappl_devic
   rj->pageRows = h->cupsHeight;
   if (rj->pagesSeen == 1) rj->totalPages = h->cupsInteger[CUPS_RASTER_PWG_TotalPageCount];
   if (rj->copies && !rj->copies->WriteHeader(h)) rj->copies.reset();
-  if (!Raster_BeginPage(job, device, rj, h)) {
-    Raster_StopReading(job, rj);
+  if (!RasterJob_BeginPage(job, device, rj, h)) {
+    RasterJob_StopReading(job, rj);
     return false;
   }
   return true;
 }
 
-// 'Raster_WriteLine()' - One row; a cancel ends the run with SIGTERM.
-bool Raster_WriteLine(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t*, unsigned, const unsigned char* line) {
+// 'RasterJob_WriteLine()' - One row; a cancel ends the run with SIGTERM.
+bool RasterJob_WriteLine(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t*, unsigned, const unsigned char* line) {
   TRasterJob* rj = static_cast<TRasterJob*>(papplJobGetData(job));
   if (!rj || !rj->run || rj->failed) return false;
   if (papplJobIsCanceled(job)) {
@@ -163,13 +163,13 @@ bool Raster_WriteLine(pappl_job_t* job, pappl_pr_options_t* options, pappl_devic
   }
   rj->rowsInPage++;
   if (rj->copies && !rj->copies->WriteRow(line, options->header.cupsBytesPerLine)) rj->copies.reset();
-  if (!rj->run->WriteRow(line, options->header.cupsBytesPerLine)) Raster_StopReading(job, rj);
+  if (!rj->run->WriteRow(line, options->header.cupsBytesPerLine)) RasterJob_StopReading(job, rj);
   return !rj->failed;
 }
 
-// 'Raster_EndPage()' - A page that did not arrive whole fails the job:
+// 'RasterJob_EndPage()' - A page that did not arrive whole fails the job:
 // the filter is killed and nothing of its stream reaches the printer.
-bool Raster_EndPage(pappl_job_t* job, pappl_pr_options_t*, pappl_device_t*, unsigned page) {
+bool RasterJob_EndPage(pappl_job_t* job, pappl_pr_options_t*, pappl_device_t*, unsigned page) {
   TRasterJob* rj = static_cast<TRasterJob*>(papplJobGetData(job));
   if (!rj) return false;
   if (papplJobIsCanceled(job)) {
@@ -185,9 +185,9 @@ bool Raster_EndPage(pappl_job_t* job, pappl_pr_options_t*, pappl_device_t*, unsi
   return !rj->failed;
 }
 
-// 'Raster_EndJob()' - Finish the last run, print the further copies; the
+// 'RasterJob_EndJob()' - Finish the last run, print the further copies; the
 // job's final message.
-bool Raster_EndJob(pappl_job_t* job, pappl_pr_options_t*, pappl_device_t* device) {
+bool RasterJob_EndJob(pappl_job_t* job, pappl_pr_options_t*, pappl_device_t* device) {
   TRasterJob* rj = static_cast<TRasterJob*>(papplJobGetData(job));
   if (!rj) return false;
   bool cancelled = papplJobIsCanceled(job) && !rj->stoppedByUs;
@@ -196,7 +196,7 @@ bool Raster_EndJob(pappl_job_t* job, pappl_pr_options_t*, pappl_device_t* device
     rj->failed = true;
     if (rj->run) rj->run->Discard();
   }
-  if (!rj->failed && !cancelled && rj->copiesWanted > 1 && rj->copies) Raster_Copies(job, device, rj);
+  if (!rj->failed && !cancelled && rj->copiesWanted > 1 && rj->copies) RasterJob_Copies(job, device, rj);
   else if (!rj->failed && !cancelled && rj->copiesWanted > 1 && papplJobGetFormat(job) &&
            (!strcmp(papplJobGetFormat(job), "image/pwg-raster") || !strcmp(papplJobGetFormat(job), "image/urf"))) {
     rj->failed = true;

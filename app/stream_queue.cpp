@@ -12,7 +12,7 @@
 // client connection held, until the printer is idle with no other job
 // waiting, one raster job per printer at a time, and then goes to PAPPL's
 // own function, which prints it.  Other formats go straight through.
-#include "stream_queue.h"
+#include "app/stream_queue.h"
 
 #include <dlfcn.h>
 #include <pappl/pappl.h>
