@@ -43,6 +43,15 @@ bool Args_ForJob(pappl_job_t* job, pappl_pr_options_t* options, const char* cont
   ippDelete(attrs);
   if (!refused.empty())
     papplLogJob(job, PAPPL_LOGLEVEL_WARN, "Values not offered by this printer, defaults used: %s", refused.c_str());
+  std::string areasError;
+  if (!JobOpt_CheckAreas(*values, &areasError)) {
+    // A card without the areas asked for would be a wrong card: the job
+    // is not printed, and says why.
+    papplLogJob(job, PAPPL_LOGLEVEL_ERROR, "%s", areasError.c_str());
+    papplJobSetReasons(job, PAPPL_JREASON_ERRORS_DETECTED, PAPPL_JREASON_NONE);
+    papplJobSetMessage(job, "Not printed: %s.", areasError.c_str());
+    return false;
+  }
   std::string opts = JobOpt_FilterOptions(*acc, *values);
   const char* user = papplJobGetUsername(job);
   const char* title = papplJobGetName(job);

@@ -13,6 +13,7 @@
 // values (values a printer does not offer fall back to the defaults, with
 // a job log line) and the filter's arguments and environment, as the
 // spooler would start it for a document of contentType.  False when the
-// printer's driver names no model.
+// printer's driver names no model, or when the job's custom areas do not
+// parse (the job's message and reasons then say why).
 bool Args_ForJob(pappl_job_t* job, pappl_pr_options_t* options, const char* contentType, const TAppModel** model,
                  TAccessories* acc, TCardValues* values, TFilterArgs* args);
