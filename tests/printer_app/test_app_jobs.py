@@ -135,6 +135,16 @@ class AppJobsTest(unittest.TestCase):
         cards, _ = self.assert_same_as_filter("card30", job, "")
         self.assertEqual(cards, 2)
 
+    def test_raw_job_stream_copies(self):
+        job = self.print_job("card30", self.pwg300, "image/pwg-raster", "forrawcopies30")
+        stream = self.device_output("card30", "forrawcopies30")
+        raw = os.path.join(self.server.tmp, "copies.brj")
+        with open(raw, "wb") as f:
+            f.write(stream)
+        job = self.print_job("card30", raw, "application/vnd.brellian-job", "rawcopies30", copies=3)
+        self.assertEqual(job["job-state"], "completed", job)
+        self.assertEqual(self.device_output("card30", "rawcopies30"), stream * 3)
+
     def test_filter_gets_no_descriptor_of_the_server(self):
         job = self.print_job("card30", self.pwg300, "image/pwg-raster", "fds30")
         self.assertEqual(job["job-state"], "completed", job)
