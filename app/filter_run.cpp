@@ -1,4 +1,4 @@
-// One run of rastertobrellian as a child process, its output pumped to the device.
+// One run of rastertobrellian as a child process, its output sent to the device once it has ended well.
 // Copyright 2026 The rastertobrellian authors.
 #include "app/filter_run.h"
 

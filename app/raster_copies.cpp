@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+// 'TRasterCopies::~TRasterCopies()' - Close the file (it has no name left).
 TRasterCopies::~TRasterCopies() {
   if (writer_) cupsRasterClose(writer_);
   if (fd_ >= 0) close(fd_);

@@ -8,6 +8,6 @@
 // the executable.
 bool StreamQueue_Active();
 
-// 'StreamQueue_MaxWaitSeconds()' - How long a streamed job waits for the
-// printer before PAPPL's own answer (server-error-busy) is given.
+// How long a streamed job waits for the printer before PAPPL's own
+// answer (server-error-busy) is given.
 constexpr int STREAMQUEUE_MAX_WAIT_SECONDS = 600;
