@@ -26,7 +26,7 @@ void Driver_FillData(const TAppModel& model, const TAccessories& acc, pappl_pr_d
   data->delete_cb = Web_RemovePrinterPages;
   data->printfile_cb = Raw_PrintFile;
   data->format = "application/vnd.brellian-job";
-  snprintf(data->make_and_model, sizeof(data->make_and_model), "%s", model.description);
+  snprintf(data->make_and_model, sizeof(data->make_and_model), "%s", App_Description(model));
   data->ppm = 1;
   data->ppm_color = 1;
   data->kind = PAPPL_KIND_PHOTO;

@@ -69,7 +69,7 @@ bool Presets_InstallUv(const std::string& serial, uint32_t model, int preset, co
   if (!Uv_ParseFit(fit, &how)) return *error = "Unknown fit \"" + fit + "\".", false;
   TPngImage rgb;
   if (!Png_DecodeRGB(png, &rgb, error)) return *error = "Not a usable PNG picture: " + *error, false;
-  TPanelGeometry g = g_panelGeometry[model];
+  TPanelGeometry g = Panel_ModelGeometry(model);
   std::vector<uint8_t> panel;
   if (!Uv_FromImage(rgb, g.width, g.height, how, &panel, error)) return false;
   std::lock_guard<std::mutex> lock(g_presetsLock);

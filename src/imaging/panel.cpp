@@ -12,26 +12,13 @@
 #include "driver/printing_task.h"
 #include "imaging/luma.h"
 #include "log/log.h"
+#include "status/models.h"
 #include "util/signal_block.h"
 
 std::map<uint32_t, TPanelGeometry> g_panelGeometry;
 std::map<uint32_t, uint32_t> g_modelResolution;
 
 namespace {
-
-// One model: id, panel size in dots, resolution in dots per inch.
-struct TModelPanel {
-  uint32_t model;
-  uint32_t width;
-  uint32_t height;
-  uint32_t dpi;
-};
-
-const TModelPanel kModelPanels[] = {
-    {1030, 1036, 664, 300},
-    {1035, 1036, 664, 300},
-    {1060, 2072, 1328, 600},
-};
 
 // Largest element Image_Rotate180 swaps.
 constexpr uint32_t ROTATE_MAX_ELEMENT = 64;
@@ -41,9 +28,11 @@ constexpr uint32_t ROTATE_MAX_ELEMENT = 64;
 // 'Panel_BuildTables()' - Fill g_panelGeometry and g_modelResolution from
 // the model table; called by the start-up table builder.
 void Panel_BuildTables() {
-  for (const TModelPanel& m : kModelPanels) {
-    g_panelGeometry[m.model] = TPanelGeometry{m.width, m.height};
-    g_modelResolution[m.model] = m.dpi;
+  int32_t count = 0;
+  const TModelInfo* models = Model_All(&count);
+  for (int32_t i = 0; i < count; ++i) {
+    g_panelGeometry[models[i].id] = TPanelGeometry{models[i].panelWidth, models[i].panelHeight};
+    g_modelResolution[models[i].id] = models[i].dpi;
   }
 }
 
