@@ -10,6 +10,7 @@
 #include "app/web_access.h"
 #include "app/web_pages.h"
 #include "app/web_upload.h"
+#include "app/vendor_table.h"
 
 namespace {
 
@@ -27,10 +28,10 @@ void Web_PresetAreaTable(pappl_client_t* client, const TBrellianSettings& s, TSe
                         "<h3>%s</h3>\n<table class=\"list\"><tr><th>Preset</th><th colspan=\"3\">%s</th>"
                         "<th colspan=\"3\">%s</th></tr>\n",
                         title, group0, group1);
-  for (int p = 0; p < 10; ++p) {
+  for (int p = 0; p < SETTINGS_PRESETS; ++p) {
     papplClientHTMLPrintf(client, "<tr><td>%d</td>", p + 1);
-    for (int g = 0; g < 2; ++g)
-      for (int k = 0; k < 3; ++k) {
+    for (int g = 0; g < SETTINGS_GROUPS; ++g)
+      for (int k = 0; k < SETTINGS_FILE_AREAS; ++k) {
         papplClientHTMLPuts(client, "<td>");
         Web_PresetInput(client, s, TSettingsKey{kind, p, g, k}, 16);
         papplClientHTMLPuts(client, "</td>");
@@ -61,10 +62,10 @@ void Web_PresetForms(pappl_client_t* client, const char* path, const TBrellianSe
   Web_PresetRow(client, s, TSettingsKey{SETKEY_CARD_THICKNESS, 0, 0, 0}, "Card thickness", "unset, standard or thin");
   Web_PresetRow(client, s, TSettingsKey{SETKEY_MAG_PO_MODE, 0, 0, 0}, "Overlay over the stripe",
               "unset, disabled or enabled");
-  for (int i = 0; i < 3; ++i)
+  for (int i = 0; i < APP_COLOR_TABLES; ++i)
     Web_PresetRow(client, s, TSettingsKey{SETKEY_LUT_NAME, 0, 0, i}, ("Colour table " + std::to_string(i + 1)).c_str(),
                 "name of a table in the lut folder");
-  for (int i = 0; i < 5; ++i)
+  for (int i = 0; i < SETTINGS_NAMES; ++i)
     Web_PresetRow(client, s, TSettingsKey{SETKEY_UV_NAME, 0, 0, i}, ("UV preset " + std::to_string(i + 1)).c_str(),
                 "name of a file in the uv folder");
   papplClientHTMLPuts(client, "<tr><th></th><td><input type=\"submit\" id=\"save-settings\" value=\"Save presets\">"

@@ -120,7 +120,7 @@ class PrinterAppTest(unittest.TestCase):
         job = self.print_job("card35", self.pwg300_duplex, "image/pwg-raster", "duplex35",
                              [("keyword", "sides", "two-sided-long-edge"),
                               ("keyword", "brellian-back-ribbon", "monochrome"),
-                              ("boolean", "brellian-back-secure-erase", "true")])
+                              ("text", "brellian-back-options", "secure-erase=true")])
         self.assertEqual(job["job-state"], "completed")
         cards, _ = self.assert_same_as_filter("card35", job, "backRibbon=Monochrome backSecureErase=Yes")
         self.assertEqual(cards, 1)
