@@ -14,8 +14,35 @@ import time
 import urllib.parse
 import uuid
 
-ICMD_STARTCARD = 3
-ICMD_ENDCARD = 4
+HERE = os.path.dirname(os.path.abspath(__file__))
+SOURCE = os.path.normpath(os.path.join(HERE, "..", ".."))
+BUILD = os.environ.get("BRELLIAN_BUILD_DIR", os.path.join(SOURCE, "build-test"))
+TOOLS = os.path.join(BUILD, "tools")
+CONF_DIR = os.path.join(BUILD, "sysroot", "etc", "brellian")
+SETTINGS_DIR = os.path.join(CONF_DIR, "settings")
+
+
+def stream_constants():
+    """The record types and field offsets of the job command stream, read from
+    their one owner, src/jobstream/records.h (ICMD_*, STARTIMAGE_*)."""
+    with open(os.path.join(SOURCE, "src", "jobstream", "records.h")) as f:
+        text = f.read()
+    return {name: int(value) for name, value in
+            re.findall(r"constexpr \w+ ((?:ICMD|STARTIMAGE)_[A-Z_]+) = (\d+);", text)}
+
+
+_STREAM = stream_constants()
+ICMD_HEADER_BYTES = _STREAM["ICMD_HEADER_BYTES"]
+ICMD_STARTJOB = _STREAM["ICMD_STARTJOB"]
+ICMD_STARTCARD = _STREAM["ICMD_STARTCARD"]
+ICMD_ENDCARD = _STREAM["ICMD_ENDCARD"]
+ICMD_STARTSIDE = _STREAM["ICMD_STARTSIDE"]
+ICMD_STARTIMAGE = _STREAM["ICMD_STARTIMAGE"]
+ICMD_ENDIMAGE = _STREAM["ICMD_ENDIMAGE"]
+ICMD_IMAGE = _STREAM["ICMD_IMAGE"]
+ICMD_LUTTABLE = _STREAM["ICMD_LUTTABLE"]
+STARTIMAGE_PANEL = _STREAM["STARTIMAGE_PANEL"]
+PANEL_COLOR, PANEL_K, PANEL_UV, PANEL_PO = 0, 1, 2, 3
 
 
 def free_port():
@@ -237,13 +264,74 @@ def run_filter(filter_path, build, ppd, raster, job_id, title, options, printer,
 def records(stream):
     """The records of a job command stream: (offset, type, payload length)."""
     out, pos = [], 0
-    while pos + 6 <= len(stream):
+    while pos + ICMD_HEADER_BYTES <= len(stream):
         rtype, length = struct.unpack_from("<HI", stream, pos)
         out.append((pos, rtype, length))
-        pos += 6 + length
+        pos += ICMD_HEADER_BYTES + length
     if pos != len(stream):
         raise AssertionError("stream does not end on a record boundary (%d of %d)" % (pos, len(stream)))
     return out
+
+
+def record_types(stream, rtype=None):
+    """The type of every record of a stream, or the records of one type."""
+    if rtype is None:
+        return [t for _, t, _ in records(stream)]
+    return [r for r in records(stream) if r[1] == rtype]
+
+
+def panel_types(stream):
+    """The panel type of every start-image record of a job stream."""
+    return [stream[pos + STARTIMAGE_PANEL] for pos, _, _ in record_types(stream, ICMD_STARTIMAGE)]
+
+
+def panel_data(stream, panel):
+    """The bytes of every panel of one type (PANEL_COLOR ... PANEL_PO), joined."""
+    out, current = [], None
+    for pos, rtype, length in records(stream):
+        if rtype == ICMD_STARTIMAGE:
+            current = stream[pos + STARTIMAGE_PANEL]
+        elif rtype == ICMD_ENDIMAGE:
+            current = None
+        elif rtype == ICMD_IMAGE and current == panel:
+            out.append(stream[pos + ICMD_HEADER_BYTES:pos + ICMD_HEADER_BYTES + length])
+    return b"".join(out)
+
+
+def lut_payloads(stream):
+    """The payload of every lookup-table record."""
+    return [stream[pos + ICMD_HEADER_BYTES:pos + ICMD_HEADER_BYTES + length]
+            for pos, _, length in record_types(stream, ICMD_LUTTABLE)]
+
+
+def start_presets_printer(name, serial_prefix):
+    """The start-up of the presets tests: a server with one 1060 printer, a
+    UV ribbon and a flip-turn unit and a random serial number set on its
+    Device settings page, and a 600 dpi PWG card.  Returns (server, device
+    output directory, raster, serial, settings file)."""
+    server = AppServer(BUILD)
+    server.start()
+    out = server.add_printer(name, "brellian_1060")
+    raster = os.path.join(server.tmp, "card.pwg")
+    subprocess.run([os.path.join(TOOLS, "brellian-rasterwrite"), "--pwg", "-r", "600", "-W", "2072", "-H", "1328",
+                    "-o", raster, "pattern"], check=True)
+    serial = "%s%06x" % (serial_prefix, uuid.uuid4().int & 0xFFFFFF)
+    status, body = http_request(server, "GET", "/%s/device" % name)
+    forms, _ = parse_page(body)
+    status, text = post_form(server, "/%s/device" % name, forms[0],
+                             {"serial": serial, "ribbon-type": "YMCK-UV", "flip-turn": "on"})
+    assert "Device settings saved." in text, text
+    settings_file = os.path.join(SETTINGS_DIR, "brellian_br-1060_%s.dat" % serial.lower())
+    return server, out, raster, serial, settings_file
+
+
+def stop_presets_printer(server, paths):
+    """Stop the server (kept when BRELLIAN_KEEP_TEST_DIR=1) and remove the
+    preset files a test left in the build's system tree."""
+    server.stop(keep=os.environ.get("BRELLIAN_KEEP_TEST_DIR") == "1")
+    for path in paths:
+        if os.path.exists(path):
+            os.unlink(path)
 
 
 def mask_card_ids(stream):
@@ -252,7 +340,7 @@ def mask_card_ids(stream):
     count = 0
     for pos, rtype, length in records(stream):
         if rtype in (ICMD_STARTCARD, ICMD_ENDCARD) and length >= 8:
-            data[pos + 6:pos + 14] = b"\0" * 8
+            data[pos + ICMD_HEADER_BYTES:pos + ICMD_HEADER_BYTES + 8] = b"\0" * 8
             count += 1
     return bytes(data), count
 
