@@ -4,6 +4,7 @@
 // Copyright 2026 The rastertobrellian authors.
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 
 #include "driver/printing_task.h"
 #include "fuzz/fuzz_common.h"
@@ -16,7 +17,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   static FILE* sink = fopen("/dev/null", "wb");
   // options, copies, title, job id, serial number, queue name
   std::vector<std::string> f = Fuzz_Fields(data, size, 6);
-  setenv("PPD", BRELLIAN_FUZZ_PPD, 1);
+  static const std::string ppd = std::string(BRELLIAN_FUZZ_PPD_DIR) + "/" + Model_Default().ppdName;
+  setenv("PPD", ppd.c_str(), 1);
   std::string uri = "usbbr://Brellian/X?serial=" + f[4];
   setenv("DEVICE_URI", uri.c_str(), 1);
   setenv("PRINTER", f[5].c_str(), 1);

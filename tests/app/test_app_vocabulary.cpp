@@ -135,7 +135,9 @@ TEST_F(AppVocabulary, EveryTrackFormatIsOneTheFilterEncodesOnThatTrack) {
 
 TEST(AppSlotPlan, TheAttributesWithASlotFitPapplsSlotsWithRoomToSpare) {
   EXPECT_EQ(PAPPL_MAX_VENDOR, APP_VENDOR_SLOTS);
-  EXPECT_LT(Vendor_SlotsUsed(), APP_VENDOR_SLOTS);
+  // Room for one more option on each side even if it took slots of its own
+  // (a new per-side option joins the carriers and takes none).
+  EXPECT_LE(Vendor_SlotsUsed() + 2, APP_VENDOR_SLOTS);
   for (const TVendorAttr& a : Vendor_Table()) {
     if (a.carrier.empty()) continue;
     SCOPED_TRACE(a.name);
