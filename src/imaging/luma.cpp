@@ -35,6 +35,7 @@ namespace {
 // Weights of the integer sum, and the inverse of 299 modulo 1000.
 constexpr uint32_t WEIGHT_R = 299, WEIGHT_G = 587, WEIGHT_B = 114;
 constexpr uint32_t INVERSE_R = 699;
+constexpr uint32_t R_STEP = 314;
 // n / 1000 == ((n >> 3) * 33555) >> 22 for every n up to 255000: n >> 3 is
 // below 31876 and 33555 * 125 exceeds 2^22 by 71, so the error stays below
 // one step; the product fits in 31 bits, its high 16 bits in 15.
@@ -46,9 +47,10 @@ struct TLumaLower {
   uint32_t bits[65536 / 32] = {};
   TLumaLower() {
     for (uint32_t g = 0; g < 256; ++g) {
-      for (uint32_t b = 0; b < 256; ++b) {
-        uint32_t rest = (WEIGHT_G * g + WEIGHT_B * b) % 1000;
-        uint32_t r = ((1000 - rest) % 1000) * INVERSE_R % 1000;
+      // The R that makes n a multiple of 1000 for B = 0; each step of B adds
+      // 114 to the sum, so R moves on by -114 * 699 = 314 modulo 1000.
+      uint32_t r = (1000 - WEIGHT_G * g % 1000) % 1000 * INVERSE_R % 1000;
+      for (uint32_t b = 0; b < 256; ++b, r = (r + R_STEP) % 1000) {
         if (r > 255) continue;
         uint32_t n = WEIGHT_R * r + WEIGHT_G * g + WEIGHT_B * b;
         double y = 0.299 * r + 0.587 * g + 0.114 * b;  // the formula, in its order
