@@ -94,7 +94,8 @@ __attribute__((target("avx2"))) __m256i Luma_GreyBits(const TLumaLower& t) {
   return _mm256_load_si256(reinterpret_cast<const __m256i*>(words));
 }
 
-// Eight dots at a time: their channels gathered by Rgb_SplitEight, the
+// Eight dots at a time.  Eight dots equal to the eight before them take
+// their bytes again.  Otherwise their channels are gathered by Rgb_SplitEight, the
 // integer sum made with 16-bit multiply-adds in 32-bit lanes, its quotient
 // by 1000 with a 16-bit multiply-high (n / 8 fits in 15 bits), and the
 // table's bit fetched only when some lane's sum is a multiple of 1000: from
@@ -109,10 +110,22 @@ __attribute__((target("avx2"))) void Luma_PlaneAvx2(const uint8_t* rgb, uint8_t*
   const __m256i div = _mm256_set1_epi32(DIV125_MUL), thousand = _mm256_set1_epi32(1000);
   const __m256i low5 = _mm256_set1_epi32(31), one = _mm256_set1_epi32(1);
   const __m128i flipBytes = _mm_set1_epi8(static_cast<char>(flip));
+  // The last eight dots computed and their bytes: a run of the same eight
+  // dots (a plain area, a white margin) takes the same bytes again.
+  __m128i lastLow = _mm_setzero_si128(), lastHigh = _mm_setzero_si128(), lastBytes = _mm_setzero_si128();
+  bool haveLast = false;
   size_t i = 0;
   for (; i + 8 <= count; i += 8) {
+    const uint8_t* p = rgb + 3 * i;
+    __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    __m128i high = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p + 16));
+    __m128i same = _mm_and_si128(_mm_cmpeq_epi8(low, lastLow), _mm_cmpeq_epi8(high, lastHigh));
+    if (haveLast && _mm_movemask_epi8(same) == 0xFFFF) {
+      _mm_storel_epi64(reinterpret_cast<__m128i*>(out + i), lastBytes);
+      continue;
+    }
     __m128i redGreen, blue;
-    Rgb_SplitEight(rgb + 3 * i, &redGreen, &blue);
+    Rgb_SplitEight(p, &redGreen, &blue);
     // Words r0 g0 r1 g1 ...: one multiply-add gives 299 r + 587 g per lane.
     __m256i rg = _mm256_cvtepu8_epi16(_mm_unpacklo_epi8(redGreen, _mm_srli_si128(redGreen, 8)));
     __m256i b = _mm256_cvtepu8_epi32(blue);
@@ -137,6 +150,10 @@ __attribute__((target("avx2"))) void Luma_PlaneAvx2(const uint8_t* rgb, uint8_t*
     __m128i words = _mm_packus_epi32(_mm256_castsi256_si128(q), _mm256_extracti128_si256(q, 1));
     __m128i bytes = _mm_xor_si128(_mm_packus_epi16(words, words), flipBytes);
     _mm_storel_epi64(reinterpret_cast<__m128i*>(out + i), bytes);
+    lastLow = low;
+    lastHigh = high;
+    lastBytes = bytes;
+    haveLast = true;
   }
   Luma_PlaneScalar(rgb + 3 * i, out + i, count - i, flip);
 }

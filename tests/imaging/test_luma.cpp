@@ -137,3 +137,33 @@ TEST(LumaPlane, EverySumOnAMultipleOfAThousandMatchesTheFormula) {
     }
   }
 }
+
+// A plain area repeats the same dots, and the AVX2 way then takes the bytes
+// of the eight dots before again.  Rows where each group of eight dots is
+// the group before, or that group with one byte changed (at every position
+// in turn), at every start offset: every way gives the formula's bytes.
+TEST(LumaPlane, RepeatedAndNearlyRepeatedGroupsMatchTheFormula) {
+  std::mt19937 rng(20261125);
+  std::uniform_int_distribution<int> byte(0, 255), coin(0, 2);
+  for (size_t offset = 0; offset < 8; ++offset) {
+    std::vector<uint8_t> rgb(3 * offset);
+    for (auto& v : rgb) v = static_cast<uint8_t>(byte(rng));
+    std::vector<uint8_t> group(24);
+    for (auto& v : group) v = static_cast<uint8_t>(byte(rng));
+    for (size_t g = 0; g < 600; ++g) {
+      if (coin(rng) == 0) group[g % 24] = static_cast<uint8_t>(group[g % 24] + 1 + byte(rng) % 255);
+      if (g % 100 == 50) group.assign(24, 0xFF);   // a white run
+      rgb.insert(rgb.end(), group.begin(), group.end());
+    }
+    const size_t count = rgb.size() / 3;
+    for (auto way : Luma_Ways()) {
+      for (uint8_t flip : {uint8_t{0}, uint8_t{0xFF}}) {
+        std::vector<uint8_t> out(count);
+        way(rgb.data(), out.data(), count, flip);
+        for (size_t i = 0; i < count; ++i)
+          ASSERT_EQ(Luma_Formula(rgb[3 * i], rgb[3 * i + 1], rgb[3 * i + 2]) ^ flip, out[i])
+              << "offset " << offset << " dot " << i;
+      }
+    }
+  }
+}
