@@ -1,7 +1,6 @@
 """brellian-batch through brellian-printer-app: a 20-card merged PDF and a CSV of tracks, one job stream per card."""
 # Copyright 2026 The rastertobrellian authors.
 import os
-import re
 import struct
 import subprocess
 import sys
@@ -35,8 +34,11 @@ def merged_pdf(path, cards):
 
 
 def read_card(stream):
-    """Tracks 1 and 2 as text and the bar of the first panel (part of its width) of one job stream."""
-    tracks, width, height, bpp, rows, bar = ["", "", ""], 0, 0, 0, b"", None
+    """Tracks 1 and 2 as text and the widest bar of the front side's panels (part of the panel's width) of one
+    job stream: the bar is black, so it is on the colour panel or, drawn in solid black, on the black panel."""
+    tracks, bars = ["", "", ""], []
+    width = height = bpp = 0
+    rows, done = b"", True
     for pos, rtype, length in h.records(stream):
         payload = stream[pos + 6:pos + 6 + length]
         if rtype == ICMD_MAGENCODE:
@@ -44,10 +46,10 @@ def read_card(stream):
                 fmt, n = payload[t * 130], payload[t * 130 + 1]
                 base = ord("0") if fmt in (180, 196) else ord(" ")
                 tracks[t] = "".join(chr(base + c) for c in payload[t * 130 + 2:t * 130 + 2 + n])
-        elif rtype == ICMD_STARTIMAGE and width == 0:
+        elif rtype == ICMD_STARTIMAGE:
             width, height = struct.unpack_from("<HH", payload, 0)
-            bpp = 3 if payload[4] == 0 else 1
-        elif rtype == ICMD_IMAGE and bar is None:
+            bpp, rows, done = (3 if payload[4] == 0 else 1), b"", False
+        elif rtype == ICMD_IMAGE and not done:
             rows += payload
             middle = (height // 2) * width * bpp
             if len(rows) >= middle + width * bpp:
@@ -55,8 +57,9 @@ def read_card(stream):
                 white = row[-bpp:]
                 dark = sum(1 for x in range(width)
                            if sum(abs(row[x * bpp + k] - white[k]) for k in range(bpp)) > 96)
-                bar = dark / width
-    return tracks[0], tracks[1], bar
+                bars.append(dark / width)
+                done, rows = True, b""
+    return tracks[0], tracks[1], (max(bars) if bars else None)
 
 
 class BatchAppTest(unittest.TestCase):
@@ -94,10 +97,12 @@ class BatchAppTest(unittest.TestCase):
             path = os.path.join(self.out, name)
             dump = subprocess.run([os.path.join(TOOLS, "brellian-jobdump"), "-q", path], capture_output=True, text=True)
             self.assertEqual(0, dump.returncode, name + ": " + dump.stdout)
-            card = int(re.search(r"card (\d+) of %d" % CARDS, name).group(1))
             with open(path, "rb") as f:
                 t1, t2, bar = read_card(f.read())
-            self.assertEqual(track1(card), t1, name)
+            # The card is told by its track 1; its track 2 and page must be that row's and page's.
+            cards = [i for i in range(1, CARDS + 1) if track1(i) == t1]
+            self.assertEqual(1, len(cards), name + ": track 1 of no row: " + t1)
+            card = cards[0]
             self.assertEqual(track2(card), t2, name)
             self.assertIsNotNone(bar, name)
             self.assertAlmostEqual(card * 3.5 / 85.6, bar, delta=0.02, msg=name)

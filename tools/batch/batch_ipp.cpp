@@ -113,7 +113,7 @@ void TBatchPrinter::Status(TPrinterStatus* status) {
   static const char* const kWanted[] = {"printer-state", "printer-state-reasons", "printer-state-message",
                                         "printer-is-accepting-jobs", "document-format-supported",
                                         "brellian-front-ribbon-supported",
-                                        "pwg-raster-document-resolution-supported"};
+                                        "pwg-raster-document-resolution-supported", "page-ranges-supported"};
   ipp_t* request = Request(IPP_OP_GET_PRINTER_ATTRIBUTES);
   ippAddStrings(request, IPP_TAG_OPERATION, IPP_TAG_KEYWORD, "requested-attributes",
                 static_cast<int>(sizeof kWanted / sizeof kWanted[0]), nullptr, kWanted);
@@ -135,6 +135,8 @@ void TBatchPrinter::Status(TPrinterStatus* status) {
   if (ipp_attribute_t* a = ippFindAttribute(response, "document-format-supported", IPP_TAG_MIMETYPE))
     for (int i = 0; i < ippGetCount(a); ++i)
       if (!strcmp(ippGetString(a, i, nullptr), "application/pdf")) status->takesPdf = true;
+  if (ipp_attribute_t* a = ippFindAttribute(response, "page-ranges-supported", IPP_TAG_BOOLEAN))
+    status->pageRanges = ippGetBoolean(a, 0) != 0;
   status->appVocabulary = ippFindAttribute(response, "brellian-front-ribbon-supported", IPP_TAG_ZERO) != nullptr;
   if (ipp_attribute_t* a = ippFindAttribute(response, "pwg-raster-document-resolution-supported",
                                             IPP_TAG_RESOLUTION)) {

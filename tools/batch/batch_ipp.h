@@ -24,6 +24,7 @@ struct TPrinterStatus {
   std::string fault;           // empty, or why no card may be sent now
   bool appVocabulary = false;  // the printer has the brellian-... card attributes
   bool takesPdf = false;       // application/pdf in document-format-supported
+  bool pageRanges = false;     // page-ranges-supported is true
   int resolution = 0;          // dots per inch of the printer's raster, 0 when unknown
 };
 

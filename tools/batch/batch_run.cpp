@@ -44,7 +44,10 @@ int TBatchRunner::Run() {
   }
   TPlanPrinter what;
   what.appVocabulary = status.appVocabulary;
-  what.takesPdf = !status.reached || status.takesPdf;
+  // A PDF goes whole with page-ranges only where both are taken; elsewhere,
+  // and to the printer application (whose PDF path prints every page of
+  // the document given), each card's pages go as raster.
+  what.takesPdf = !status.reached || (status.takesPdf && status.pageRanges && !status.appVocabulary);
   if (status.resolution > 0) what.resolution = status.resolution;
   if (!plan_.Setup(opt_.input, what, &error)) {
     fprintf(stderr, "brellian-batch: %s\n", error.c_str());
