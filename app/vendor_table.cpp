@@ -27,7 +27,8 @@ void Vendor_AddSide(std::vector<TVendorAttr>* t, int side) {
                  {"monochrome", "Monochrome", "Monochrome (resin black only)"}},
                 "color"});
   TVendorAttr resin{p + "resin", VENDOR_KEYWORD, l + " resin black", k + "Resin", side, needs,
-                    {{"page", "Page", "Whole page"}}, "page"};
+                    {{"card", "Card", "Pure black of the card"}, {"page", "Page", "Black from the next page"}},
+                    "card"};
   Vendor_Presets(&resin.choices, 10);
   resin.choices.push_back({"custom-areas", "CustomAreas", "Custom areas"});
   t->push_back(resin);

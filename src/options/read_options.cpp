@@ -91,6 +91,7 @@ int32_t Job_ReadOptions(TPrintingTask* task, const char* options, const char* co
   Opt_ReadPrinterName(&ctx);
   Opt_ReadCardEject(&ctx);
   Warn_IgnoredValues(&ctx, options);
+  Warn_Constraints(&ctx);
 
   source.Close();
   Log_Write(LOG_LOG, "<<<< PPD OPTIONS");

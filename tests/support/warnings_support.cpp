@@ -26,7 +26,8 @@ TBrellianSettings Warn_Settings() {
 
 // 'Warn_Run()' - Run the 1030 filter on pages with options and the device
 // URI uri (its serial selects the settings file).
-TWarnRun Warn_Run(const std::vector<TRasterPage>& pages, const std::string& options, const std::string& uri) {
+TWarnRun Warn_Run(const std::vector<TRasterPage>& pages, const std::string& options, const std::string& uri,
+                  const std::string& ppd) {
   TWarnRun run;
   std::string raster = Job_TestDir() + "/warn.ras";
   Test_MakeDirs(Job_TestDir());
@@ -34,7 +35,7 @@ TWarnRun Warn_Run(const std::vector<TRasterPage>& pages, const std::string& opti
   Test_ResetLog();
   Test_SetLogLevelWord("EntryExit");
   TProcessOptions env;
-  env.env["PPD"] = Job_PPD();
+  env.env["PPD"] = ppd.empty() ? Job_PPD() : ppd;
   env.env["DEVICE_URI"] = uri;
   env.env["PRINTER"] = "warn";
   TProcessResult p = Test_RunFilter({"42", "user", "title", "1", options, raster}, env);
