@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The worst documents for the shell filters: a 2 MB text of one line, 500
-# pages of text and 2,000 form feeds, each printed through texttobrellian
+# The worst documents for the shell filters: a 2 MB text of one line, 6,500
+# lines of text (about 1,200 pages) and 2,000 form feeds, each printed through texttobrellian
 # as the spooler starts it (texttopdf, pdftopdf, pdftobrellian: gstoraster
 # piped into rastertobrellian) on the 1060's PPD, and a 500-page PDF
 # through pdftobrellian.  Prints the wall time, the pages the filter read
@@ -26,6 +26,7 @@ done
   echo "run-text-bombs: build the filter and the PPD files in $build first" >&2
   exit 1
 }
+build="$(cd "$build" && pwd)"
 work="$(mktemp -d "${TMPDIR:-/tmp}/text-bombs.XXXXXX")"
 trap 'rm -rf "$work"' EXIT
 
@@ -36,7 +37,7 @@ filters() {
   mkdir -p "$1"
   local f
   for f in texttopdf pdftopdf gstoraster imagetopdf; do ln -s "/usr/lib/cups/filter/$f" "$1/$f"; done
-  ln -s "$PWD/$build/rastertobrellian" "$1/rastertobrellian"
+  ln -s "$build/rastertobrellian" "$1/rastertobrellian"
   for f in pdftobrellian texttobrellian; do
     if [ "$2" = . ]; then
       cp "$(ls filters/$f ppd/$f 2>/dev/null | head -n 1)" "$1/$f"
@@ -56,7 +57,7 @@ head -c 2000 /dev/zero | tr '\0' '\f' > "$work/form-feeds.txt"
 run() {
   local start end status=0 err="$work/err"
   start=$(date +%s.%N)
-  PPD="$PWD/$build/ppd/br1060.ppd" TMPDIR="$work" CHARSET=utf-8 CUPS_DATADIR=/usr/share/cups \
+  PPD="$build/ppd/br1060.ppd" TMPDIR="$work" CHARSET=utf-8 CUPS_DATADIR=/usr/share/cups \
     "$1/$2" 1 bench bench 1 "frontRibbon=Monochrome" "$3" > /dev/null 2> "$err" || status=$?
   end=$(date +%s.%N)
   printf "%-16s %-16s %8.1f s %6d pages read  status %d\n" "$(basename "$3")" "$2" \
@@ -68,7 +69,7 @@ suite() {
   run "$1" texttobrellian "$work/one-line.txt"
   run "$1" texttobrellian "$work/500-pages.txt"
   run "$1" texttobrellian "$work/form-feeds.txt"
-  [ -f "$work/500-pages.pdf" ] || PPD="$PWD/$build/ppd/br1060.ppd" CHARSET=utf-8 CUPS_DATADIR=/usr/share/cups \
+  [ -f "$work/500-pages.pdf" ] || PPD="$build/ppd/br1060.ppd" CHARSET=utf-8 CUPS_DATADIR=/usr/share/cups \
     "$1/texttopdf" 1 bench bench 1 "" "$work/500-pages.txt" \
     > "$work/500-pages.pdf" 2>/dev/null
   run "$1" pdftobrellian "$work/500-pages.pdf"

@@ -154,13 +154,15 @@ TEST_F(ChainFilters, AnEpsDrawnFarFromTheOriginLandsOnTheCard) {
   ASSERT_TRUE(s.complete) << s.error;
   TMargins m = Real_Measure(s.panels.front());
   // Fitted to the card (the rim outside it is 25 and 26 dots at 600 dpi):
-  // turned, its long side across the card, 0.5 point (4 dots) in, lifted
-  // 3 dots by the renderer.
-  EXPECT_NEAR(25 + 4, m.left, 2);
-  EXPECT_NEAR(25 + 4, m.right, 2);
-  EXPECT_GE(m.top, 26);
-  EXPECT_GE(m.bottom, 26);
-  EXPECT_LT(m.top + m.bottom, 26 + 26 + 300) << "not fitted to the card";
+  // turned, its long side across the card; its short side, 120 points,
+  // fills the card's height less 0.5 point (4 dots) each side, lifted
+  // 3 dots by the renderer; centred across.
+  EXPECT_NEAR(26 + 4 - 3, m.top, 2);
+  EXPECT_NEAR(26 + 4 + 3, m.bottom, 2);
+  EXPECT_NEAR(m.left, m.right, 2);
+  EXPECT_GE(m.left, 25 + 4);
+  // 181 x 120 points scaled by (153.07 - 1) / 120: 1911 dots across.
+  EXPECT_NEAR(1911, 2072 - m.left - m.right, 3);
 }
 
 TEST_F(ChainFilters, AWidePictureIsNotTurnedAndStaysInsideTheCard) {

@@ -42,7 +42,8 @@ std::string PhotoCommand(int i) {
 // bar code and a line of text on the back, each page of the card's size.
 const char* const kFrontBack =
     "%!PS\n"
-    "/eps { save 5 1 roll /showpage {} def 4 2 roll translate dup scale run restore } def\n"
+    "/eps { /s exch def /y exch def /x exch def /f exch def\n"
+    "       save /showpage {} def x y translate s s scale f run restore } def\n"
     "0.1 0.4 0.7 setrgbcolor 0 123 242.65 30.07 rectfill\n"
     "(front-qr.eps) 20 20 1.2 eps showpage\n"
     "0 setgray /Helvetica findfont 9 scalefont setfont 20 120 moveto (Return to Brellian) show\n"
@@ -166,7 +167,11 @@ bool Badge_InsideCard(const TStreamPanel& panel, bool toEdge, std::string* margi
   // 1011 x 638 of 1036 x 664 (300 dpi): its edge lies 25 and 26 dots, or
   // 12.5 and 13 dots, in from the panel's edge.
   double rimX = panel.width > 1500 ? 25 : 12.5, rimY = panel.width > 1500 ? 26 : 13;
-  double slack = 0.5 + (toEdge ? 1 : 0);
+  // A design that reaches the card's edge may touch the dot across it, and
+  // the renderer lifts every page by 0.36 point (3 dots at 600 dpi, 1.5 at
+  // 300), which moves such an edge that far into the rim.
+  double lift = panel.width > 1500 ? 3 : 1.5;
+  double slack = 0.5 + (toEdge ? 1 + lift : 0);
   char text[64];
   snprintf(text, sizeof text, "%.0f/%.0f/%.0f/%.0f", m.left, m.top, m.right, m.bottom);
   *margins = text;

@@ -55,6 +55,7 @@ std::vector<std::string> Badge_Read(const TStreamPanel& panel, const std::string
 
 // 'Badge_InsideCard()' - True when every printed dot of the panel lies on
 // the card (the centred 85.6 x 54 mm of the panel), allowing the half dot
-// of rounding at the card's edge, and one dot more when the design reaches
-// the edge; the white margins in *margins ("L/T/R/B").
+// of rounding at the card's edge, and, when the design reaches the edge,
+// one dot more and the renderer's lift of 0.36 point; the white margins in
+// *margins ("L/T/R/B").
 bool Badge_InsideCard(const TStreamPanel& panel, bool toEdge, std::string* margins);
