@@ -1,6 +1,6 @@
 // The PAPPL system of the application: server options, drivers, labels, per-printer pages and the state file.
 // Copyright 2026 The rastertobrellian authors.
-#include "app_system.h"
+#include "app/app_system.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -10,19 +10,20 @@
 #include <string>
 #include <vector>
 
-#include "accessories.h"
-#include "driver.h"
-#include "models.h"
-#include "vendor_table.h"
-#include "web_pages.h"
+#include "app/accessories.h"
+#include "app/pappl_driver.h"
+#include "app/models.h"
+#include "app/vendor_table.h"
+#include "app/web_pages.h"
+#include "app/web_security.h"
 
 namespace {
 
 std::string g_stateFile;
 
-// 'Sys_StateFile()' - Where the printers are kept: /var/lib for root,
+// 'App_StateFile()' - Where the printers are kept: /var/lib for root,
 // else under $XDG_CONFIG_HOME (or ~/.config).
-std::string Sys_StateFile() {
+std::string App_StateFile() {
   if (getuid() == 0 && !getenv("XDG_CONFIG_HOME")) return "/var/lib/brellian-printer-app.state";
   const char* xdg = getenv("XDG_CONFIG_HOME");
   std::string dir;
@@ -36,8 +37,8 @@ std::string Sys_StateFile() {
   return dir + "/brellian-printer-app.state";
 }
 
-// 'Sys_LogLevel()' - A log-level option value.
-pappl_loglevel_t Sys_LogLevel(const char* v) {
+// 'App_LogLevel()' - A log-level option value.
+pappl_loglevel_t App_LogLevel(const char* v) {
   if (!v) return PAPPL_LOGLEVEL_WARN;
   if (!strcmp(v, "fatal")) return PAPPL_LOGLEVEL_FATAL;
   if (!strcmp(v, "error")) return PAPPL_LOGLEVEL_ERROR;
@@ -46,9 +47,12 @@ pappl_loglevel_t Sys_LogLevel(const char* v) {
   return PAPPL_LOGLEVEL_WARN;
 }
 
-// 'Sys_ServerOptions()' - The server-options list.
-pappl_soptions_t Sys_ServerOptions(const char* v) {
-  pappl_soptions_t o = PAPPL_SOPTIONS_MULTI_QUEUE | PAPPL_SOPTIONS_WEB_INTERFACE;
+// 'App_ServerOptions()' - The server-options list.
+pappl_soptions_t App_ServerOptions(const char* v) {
+  // The Security page (web password) and the log page are on by default:
+  // both need a local or signed-in administrator (app/web_security.h).
+  pappl_soptions_t o = PAPPL_SOPTIONS_MULTI_QUEUE | PAPPL_SOPTIONS_WEB_INTERFACE | PAPPL_SOPTIONS_WEB_SECURITY |
+                       PAPPL_SOPTIONS_WEB_LOG;
   if (!v) return o;
   std::string list = v;
   size_t pos = 0;
@@ -71,8 +75,8 @@ pappl_soptions_t Sys_ServerOptions(const char* v) {
   return o;
 }
 
-// 'Sys_Drivers()' - The driver list, with a device ID for each model.
-std::vector<pappl_pr_driver_t>& Sys_Drivers() {
+// 'App_Drivers()' - The driver list, with a device ID for each model.
+std::vector<pappl_pr_driver_t>& App_Drivers() {
   static std::vector<pappl_pr_driver_t> drivers;
   static std::vector<std::string> ids;
   if (drivers.empty()) {
@@ -102,19 +106,20 @@ pappl_system_t* App_SystemCallback(int num_options, cups_option_t* options, void
   const char* portText = cupsGetOption("server-port", num_options, options);
   int port = portText ? atoi(portText) : 0;
   const char* authService = cupsGetOption("auth-service", num_options, options);
-  pappl_soptions_t soptions = Sys_ServerOptions(cupsGetOption("server-options", num_options, options));
+  pappl_soptions_t soptions = App_ServerOptions(cupsGetOption("server-options", num_options, options));
   pappl_system_t* system = papplSystemCreate(
       soptions, cupsGetOption("server-name", num_options, options) ? cupsGetOption("server-name", num_options, options)
                                                                   : "Brellian Card Printers",
       port, "_print,_universal", cupsGetOption("spool-directory", num_options, options),
-      cupsGetOption("log-file", num_options, options), Sys_LogLevel(cupsGetOption("log-level", num_options, options)),
+      cupsGetOption("log-file", num_options, options), App_LogLevel(cupsGetOption("log-level", num_options, options)),
       authService, false);
   if (!system) return nullptr;
+  Web_InstallSecurity(system, authService);
   const char* listen = cupsGetOption("listen-hostname", num_options, options);
   papplSystemAddListeners(system, listen);
   if (const char* host = cupsGetOption("server-hostname", num_options, options)) papplSystemSetHostName(system, host);
   if (const char* group = cupsGetOption("admin-group", num_options, options)) papplSystemSetAdminGroup(system, group);
-  std::vector<pappl_pr_driver_t>& drivers = Sys_Drivers();
+  std::vector<pappl_pr_driver_t>& drivers = App_Drivers();
   papplSystemSetPrinterDrivers(system, static_cast<int>(drivers.size()), drivers.data(), Driver_AutoAdd,
                                App_PrinterCreated, Driver_Callback, nullptr);
   static const std::string strings = Vendor_StringsText();
@@ -125,7 +130,7 @@ pappl_system_t* App_SystemCallback(int num_options, cups_option_t* options, void
   snprintf(version.sversion, sizeof(version.sversion), BRELLIAN_APP_VERSION);
   sscanf(BRELLIAN_APP_VERSION, "%hu.%hu.%hu", &version.version[0], &version.version[1], &version.version[2]);
   papplSystemSetVersions(system, 1, &version);
-  g_stateFile = Sys_StateFile();
+  g_stateFile = App_StateFile();
   papplSystemLoadState(system, g_stateFile.c_str());
   papplSystemSetSaveCallback(system, reinterpret_cast<pappl_save_cb_t>(papplSystemSaveState),
                              const_cast<char*>(g_stateFile.c_str()));

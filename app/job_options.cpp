@@ -1,9 +1,9 @@
 // The filter's options string of a job, built from the card attributes in force.
 // Copyright 2026 The rastertobrellian authors.
-#include "job_options.h"
+#include "app/job_options.h"
 
-#include "driver.h"
-#include "vendor_table.h"
+#include "app/pappl_driver.h"
+#include "app/vendor_table.h"
 
 namespace {
 
@@ -96,6 +96,21 @@ bool JobOpt_ParseAreas(const std::string& text, int side, std::map<std::string, 
         return false;
       }
       (*out)[sideWord + word + std::to_string(k)] = area;
+    }
+  }
+  return true;
+}
+
+// 'JobOpt_CheckAreas()' - Parse each custom-areas text once.
+bool JobOpt_CheckAreas(const TCardValues& values, std::string* error) {
+  for (int side = 0; side < 2; ++side) {
+    std::string name = side == 0 ? "brellian-front-custom-areas" : "brellian-back-custom-areas";
+    auto it = values.find(name);
+    std::map<std::string, std::string> areas;
+    std::string why;
+    if (it != values.end() && !JobOpt_ParseAreas(it->second, side, &areas, &why)) {
+      *error = name + " cannot be used: " + why + " (at most 5 areas in each group)";
+      return false;
     }
   }
   return true;

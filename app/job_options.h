@@ -7,8 +7,8 @@
 #include <map>
 #include <string>
 
-#include "accessories.h"
-#include "models.h"
+#include "app/accessories.h"
+#include "app/models.h"
 
 // The card attribute values in force for a job, by IPP name ("true" /
 // "false" for booleans).
@@ -38,3 +38,8 @@ int JobOpt_PagesPerSide(const TCardValues& values, int side);
 // unknown group name).
 bool JobOpt_ParseAreas(const std::string& text, int side, std::map<std::string, std::string>* out,
                        std::string* error);
+
+// 'JobOpt_CheckAreas()' - Every custom-areas text of values can be used
+// by the filter; false with *error naming the attribute and the reason
+// (JobOpt_FilterOptions() would leave such a text out).
+bool JobOpt_CheckAreas(const TCardValues& values, std::string* error);

@@ -6,10 +6,10 @@
 #include <cstdio>
 #include <vector>
 
-#include "app_system.h"
-#include "driver.h"
-#include "models.h"
-#include "tool_model.h"
+#include "app/app_system.h"
+#include "app/pappl_driver.h"
+#include "app/models.h"
+#include "lib/tool_model.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 // 'main' of a sanitizer build: PAPPL and libcups keep allocations to the

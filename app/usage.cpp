@@ -1,6 +1,6 @@
 // The usage text of brellian-printer-app --help.
 // Copyright 2026 The rastertobrellian authors.
-#include "app_system.h"
+#include "app/app_system.h"
 
 static const char USAGE[] =
     "Usage: brellian-printer-app SUB-COMMAND [OPTIONS] [FILES]\n"
@@ -59,12 +59,13 @@ static const char USAGE[] =
     "  log-file=FILE               Log to FILE (\"-\" for standard error, \"syslog\").\n"
     "  log-level=LEVEL             fatal, error, warn (default), info or debug.\n"
     "  admin-group=GROUP           Group allowed to administer the server.\n"
-    "  auth-service=SERVICE        PAM service that checks web-interface logins;\n"
-    "                              without it, card presets and device settings can\n"
-    "                              be changed from this machine only.\n"
+    "  auth-service=SERVICE        PAM service that checks administrators; without\n"
+    "                              it, changes need this machine or the web password\n"
+    "                              set on the Security page.\n"
     "  server-options=LIST         Comma-separated: dnssd-host, no-multi-queue,\n"
     "                              raw-socket, no-tls, web-log, web-network,\n"
-    "                              web-remote, web-security, web-tls.\n"
+    "                              web-remote, web-security, web-tls (web-log and\n"
+    "                              web-security are always on).\n"
     "\n"
     "Card options (-o with submit or default, IPP attributes of the same name):\n"
     "  brellian-front-ribbon, brellian-back-ribbon    color, color-k, grayscale, monochrome\n"

@@ -14,3 +14,4 @@ void Web_RemovePrinterPages(pappl_printer_t* printer, pappl_pr_driver_data_t* da
 // The page handlers (resource callbacks, data is the printer).
 bool Web_DevicePage(pappl_client_t* client, void* data);
 bool Web_PresetsPage(pappl_client_t* client, void* data);
+bool Web_UvPreview(pappl_client_t* client, void* data);
