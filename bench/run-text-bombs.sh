@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # The worst documents for the shell filters: a 2 MB text of one line, 6,500
-# lines of text (about 1,200 pages) and 2,000 form feeds, each printed through texttobrellian
-# as the spooler starts it (texttopdf, pdftopdf, pdftobrellian: gstoraster
-# piped into rastertobrellian) on the 1060's PPD, and a 500-page PDF
-# through pdftobrellian.  Prints the wall time, the pages the filter read
+# lines of text (about 1,200 pages) and 2,000 form feeds, each printed
+# through texttobrellian as the spooler starts it (texttopdf, pdftopdf,
+# pdftobrellian: gstoraster piped into rastertobrellian) on the 1060's PPD,
+# and that text as a PDF of about 1,000 pages through pdftobrellian.  Prints the wall time, the pages the filter read
 # and the job's exit status of each; optionally the same with the shell
 # filters of an earlier revision, for a before/after figure.
 #
@@ -19,7 +19,7 @@ while getopts "b:r:" opt; do
   case $opt in
     b) build=$OPTARG ;;
     r) rev=$OPTARG ;;
-    *) sed -n '9,12p' "$0"; exit 2 ;;
+    *) sed -n '10,13p' "$0"; exit 2 ;;
   esac
 done
 [ -x "$build/rastertobrellian" ] && [ -f "$build/ppd/br1060.ppd" ] || {
@@ -50,7 +50,7 @@ filters() {
 
 # The documents.
 head -c 1500000 /dev/urandom | base64 -w 0 | head -c 2000000 > "$work/one-line.txt"
-seq -f "line %g of five hundred pages of text" 1 6500 > "$work/500-pages.txt"
+seq -f "line %g of five hundred pages of text" 1 6500 > "$work/6500-lines.txt"
 head -c 2000 /dev/zero | tr '\0' '\f' > "$work/form-feeds.txt"
 
 # 'run DIR FILTER FILE' - One job: wall seconds, pages read, exit status.
@@ -67,12 +67,12 @@ run() {
 # 'suite DIR' - The documents through the filters of DIR.
 suite() {
   run "$1" texttobrellian "$work/one-line.txt"
-  run "$1" texttobrellian "$work/500-pages.txt"
+  run "$1" texttobrellian "$work/6500-lines.txt"
   run "$1" texttobrellian "$work/form-feeds.txt"
-  [ -f "$work/500-pages.pdf" ] || PPD="$build/ppd/br1060.ppd" CHARSET=utf-8 CUPS_DATADIR=/usr/share/cups \
-    "$1/texttopdf" 1 bench bench 1 "" "$work/500-pages.txt" \
-    > "$work/500-pages.pdf" 2>/dev/null
-  run "$1" pdftobrellian "$work/500-pages.pdf"
+  [ -f "$work/1000-pages.pdf" ] || PPD="$build/ppd/br1060.ppd" CHARSET=utf-8 CUPS_DATADIR=/usr/share/cups \
+    "$1/texttopdf" 1 bench bench 1 "" "$work/6500-lines.txt" \
+    > "$work/1000-pages.pdf" 2>/dev/null
+  run "$1" pdftobrellian "$work/1000-pages.pdf"
 }
 
 filters "$work/now" .
