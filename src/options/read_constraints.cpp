@@ -40,6 +40,23 @@ const TInstalledReason kReasons[] = {
 // Options whose value is card data, named without it.
 bool Constraint_IsData(const std::string& keyword) { return keyword.compare(0, 13, "magEncodeData") == 0; }
 
+// 'Constraint_TrackUnsent()' - True for the format or data option of a
+// magnetic track that is not encoded anyway (no data, format None, or
+// data the format refuses, each with its own warning): nothing of it
+// reaches the printer, so the encoder is not missed.
+bool Constraint_TrackUnsent(const TPrintingTask* task, const std::string& keyword) {
+  for (const char* prefix : {"magEncodeFormat", "magEncodeData"}) {
+    std::string p = prefix;
+    if (keyword.size() != p.size() + 1 || keyword.compare(0, p.size(), p) != 0) continue;
+    int track = keyword.back() - '1';
+    if (track < 0 || track > 2) return false;
+    uint8_t format = task->magTracks[track].format;
+    return format == 0 || format == MAG_STATUS_FORMAT || format == MAG_STATUS_TOO_LONG ||
+           format == MAG_STATUS_BAD_CHAR;
+  }
+  return false;
+}
+
 // 'Constraint_EndsWith()' - True when text ends with tail.
 bool Constraint_EndsWith(const std::string& text, const char* tail) {
   std::string t = tail;
@@ -84,7 +101,7 @@ void Warn_Constraints(const TOptionContext* ctx) {
         if (option.first == k) installed = &option;
     if (!installed) continue;
     for (const auto& option : hit) {
-      if (&option == installed) continue;
+      if (&option == installed || Constraint_TrackUnsent(ctx->task, option.first)) continue;
       const TInstalledReason* reason = nullptr;
       for (const TInstalledReason& r : kReasons)
         if (installed->first == r.installed && (!*r.asked || Constraint_EndsWith(option.first, r.asked)))

@@ -169,6 +169,22 @@ class PrinterAppTest(unittest.TestCase):
         cards, _ = self.assert_same_as_filter("card60", job, "")
         self.assertEqual(cards, 2)
 
+    def test_color_k_default_prints_a_one_page_card_black_in_resin(self):
+        # Colour + resin black with nothing else asked: the resin comes from
+        # the page's own pure black, so one page makes the whole card.
+        page = rasterwrite(os.path.join(self.server.tmp, "black300.pwg"), "--pwg", "-r", "300", "solid:0,0,0")
+        job = self.print_job("card30", page, "image/pwg-raster", "colork30",
+                             [("keyword", "brellian-front-ribbon", "color-k")])
+        self.assertEqual(job["job-state"], "completed")
+        self.assertEqual(job["job-state-message"], "1 card printed.")
+        self.assert_same_as_filter("card30", job, "frontRibbon=ColorK frontResin=Card")
+        stream = self.device_output("card30", "colork30")
+        types = [stream[pos + 10] for pos, rtype, length in h.records(stream) if rtype == 8]
+        self.assertEqual(types, [0, 1], "a colour panel and its resin black panel")
+        black = b"".join(stream[pos + 6:pos + 6 + length] for pos, rtype, length in h.records(stream)
+                         if rtype == 10)[-1036 * 664:]
+        self.assertEqual(black, b"\xff" * (1036 * 664), "every pure black dot takes resin")
+
     def test_value_not_offered_falls_back_to_the_default(self):
         # A YMCK ribbon has no UV panel: the printer does not offer UV from the page.
         job = self.print_job("card30", self.pwg300, "image/pwg-raster", "nouv30",

@@ -194,3 +194,41 @@ TEST(BlackModeBadge, ColourAndResinDefaultsPrintTheBarCodeInResin) {
   EXPECT_EQ(0, Badge_Share(badge, colourK.k, kPhotoX, kPhotoY, kPhotoW, kPhotoH, false));
   EXPECT_EQ(0, Badge_Share(badge, colourK.k, 0, 0, kW, 160, false));
 }
+
+// A front/back duplex card in "Colour + Resin Black" with the shipped
+// defaults: each page is one side, and each side's resin panel carries that
+// side's own pure black (the back design is not printed in resin over the
+// front).
+TEST(BlackModeBadge, DuplexColourAndResinPrintsEachSideWithItsOwnBlack) {
+  Test_MakeDirs(Badge_Dir());
+  TBadge badge;
+  ASSERT_TRUE(Badge_Make(&badge));
+  TRasterPage front = badge.page;
+  TRasterPage back = Raster_MakeRGBPage(kW, kH, 600, 240, 230, 200);
+  Raster_FillRect(&back, 300, 500, 900, 120, 0, 0, 0);
+  front.header.Duplex = CUPS_TRUE;
+  back.header.Duplex = CUPS_TRUE;
+  std::string raster = Badge_Dir() + "/duplex.ras";
+  ASSERT_TRUE(Raster_WriteFile({front, back}, false, raster));
+  TProcessOptions env;
+  env.env["PPD"] = Test_GeneratedPPD(1060);
+  env.env["DEVICE_URI"] = "usbbr://Brellian/BR-1060?serial=badge";
+  TProcessResult p = Test_RunFilter({"6", "user", "duplex", "1", "frontRibbon=ColorK backRibbon=ColorK", raster}, env);
+  ASSERT_EQ(0, p.status) << p.err;
+  TStreamCheck check;
+  Stream_Read(p.out, &check);
+  EXPECT_TRUE(check.complete);
+  ASSERT_EQ(4u, check.panels.size());
+  const uint32_t expected[4][2] = {{0, 0}, {0, 1}, {1, 0}, {1, 1}};
+  for (size_t i = 0; i < 4; ++i) {
+    EXPECT_EQ(expected[i][0], static_cast<uint32_t>(check.panels[i].side)) << i;
+    EXPECT_EQ(expected[i][1], check.panels[i].panelType) << i;
+  }
+  const std::vector<uint8_t>& backK = check.panels[3].pixels;
+  ASSERT_EQ(static_cast<size_t>(kW) * kH, backK.size());
+  for (size_t i = 0; i < backK.size(); ++i) {
+    const uint8_t* d = &back.data[i * 3];
+    ASSERT_EQ((d[0] | d[1] | d[2]) == 0 ? 255 : 0, backK[i]) << i;
+  }
+  EXPECT_EQ(1000, Badge_Share(badge, check.panels[1].pixels, kCodeX, kCodeY, badge.codeW, badge.codeH, true));
+}

@@ -19,25 +19,6 @@ using namespace warntest;
 
 namespace {
 
-// 'Installed_UnconstrainedPPD()' - The model's PPD without its
-// cupsUIConstraints lines, written into the test directory.
-std::string Installed_UnconstrainedPPD(int model) {
-  std::string text = Test_ReadFile(Test_GeneratedPPD(model));
-  std::string out;
-  size_t start = 0;
-  while (start < text.size()) {
-    size_t end = text.find('\n', start);
-    if (end == std::string::npos) end = text.size();
-    std::string line = text.substr(start, end - start + 1);
-    if (line.rfind("*cupsUIConstraints", 0) != 0) out += line;
-    start = end + 1;
-  }
-  Test_MakeDirs(Job_TestDir());
-  std::string path = Job_TestDir() + "/unconstrained" + std::to_string(model) + ".ppd";
-  Test_WriteFile(path, out);
-  return path;
-}
-
 // 'Installed_Expect()' - options give exactly the warning line expected
 // on the model's PPD, the job prints what the same job prints without the
 // constraints, and allowed (the same job on a queue that has the part)
@@ -46,7 +27,7 @@ void Installed_Expect(const std::vector<TRasterPage>& pages, int model, const st
                       const std::string& allowed, const std::string& expected) {
   std::string uri = std::string("usbbr://Brellian/BR-") + std::to_string(model) + "?serial=" + kWarnSerial;
   TWarnRun run = Warn_Run(pages, options, uri, Test_GeneratedPPD(model));
-  TWarnRun base = Warn_Run(pages, options, uri, Installed_UnconstrainedPPD(model));
+  TWarnRun base = Warn_Run(pages, options, uri, Warn_UnconstrainedPPD(model));
   Warn_ExpectSameOutput(run, base);
   EXPECT_EQ(std::vector<std::string>{"WARNING: " + expected}, run.warnings);
   Warn_LogHasNo(run, "can't be printed as asked");

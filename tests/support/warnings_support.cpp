@@ -62,6 +62,24 @@ TWarnRun Warn_Run(const std::vector<TRasterPage>& pages, const std::string& opti
   return run;
 }
 
+// 'Warn_UnconstrainedPPD()' - The PPD without its constraints.
+std::string Warn_UnconstrainedPPD(int model) {
+  std::string text = Test_ReadFile(Test_GeneratedPPD(model));
+  std::string out;
+  size_t start = 0;
+  while (start < text.size()) {
+    size_t end = text.find('\n', start);
+    if (end == std::string::npos) end = text.size();
+    std::string line = text.substr(start, end - start + 1);
+    if (line.rfind("*cupsUIConstraints", 0) != 0) out += line;
+    start = end + 1;
+  }
+  Test_MakeDirs(Job_TestDir());
+  std::string path = Job_TestDir() + "/unconstrained" + std::to_string(model) + ".ppd";
+  Test_WriteFile(path, out);
+  return path;
+}
+
 // 'Warn_DesignedLines()' - The designed standard error of a job of pages
 // 1036 x 664 pages: PAGE and progress lines, then "INFO: Ready to print.".
 std::vector<std::string> Warn_DesignedLines(int pages) {

@@ -45,6 +45,11 @@ TWarnRun Warn_Run(const std::vector<TRasterPage>& pages, const std::string& opti
                   const std::string& uri = std::string("usbbr://Brellian/BR-1030?serial=") + kWarnSerial,
                   const std::string& ppd = std::string());
 
+// 'Warn_UnconstrainedPPD()' - A copy of the model's PPD without its
+// cupsUIConstraints lines (in the test directory): the same jobs, with no
+// warning about options the installed options rule out.
+std::string Warn_UnconstrainedPPD(int model);
+
 // 'Warn_DesignedLines()' - The designed standard error of a job of pages
 // 1036 x 664 pages: PAGE and progress lines, then "INFO: Ready to print.".
 std::vector<std::string> Warn_DesignedLines(int pages);
