@@ -37,7 +37,8 @@ const TInstalledReason kReasons[] = {
     {"ribbonType", "PO", "the loaded ribbon has no overlay panel", "YMCK-PO"},
 };
 
-// Options whose value is card data, named without it.
+// 'Constraint_IsData()' - True for an option whose value is card data
+// (track data): it is named without its value.
 bool Constraint_IsData(const std::string& keyword) { return keyword.compare(0, 13, "magEncodeData") == 0; }
 
 // 'Constraint_TrackUnsent()' - True for the format or data option of a
