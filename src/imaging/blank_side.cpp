@@ -24,7 +24,8 @@ bool AllBytes(const uint8_t* data, uint64_t n, uint8_t value) {
 
 }  // namespace
 
-// 'Blank_NotePanel()' - Look for a printed dot once per side.
+// 'Blank_NotePanel()' - Look for a printed dot once per side: a side
+// already known to print something is not scanned again.
 void Blank_NotePanel(TPrintingTask* task, int32_t panelType, const uint8_t* data) {
   if (data == nullptr || task->sideHasInk || (panelType != PANEL_COLOR && panelType != PANEL_K)) return;
   TPanelGeometry g = Panel_Geometry(task);

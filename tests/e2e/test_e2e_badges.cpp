@@ -22,6 +22,7 @@ namespace {
 
 const char* const kModes[] = {"Monochrome", "ColorK", "Color"};
 
+// 'Joined()' - The lines joined by commas, "nothing" when there are none.
 std::string Joined(const std::vector<std::string>& lines) {
   std::string text;
   for (const std::string& line : lines) text += (text.empty() ? "" : ", ") + line;

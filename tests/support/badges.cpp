@@ -30,7 +30,8 @@ bool Shell(const std::string& dir, const std::string& command, std::string* erro
   return false;
 }
 
-// A photo: a coloured background with a head and shoulders, 240 x 300.
+// 'PhotoCommand()' - The command that draws photo i: a coloured
+// background with a head and shoulders, 240 x 300.
 std::string PhotoCommand(int i) {
   return "gs -q -dSAFER -dBATCH -dNOPAUSE -sDEVICE=png16m -r72 -g240x300 -sOutputFile=photo" +
          std::to_string(i) + ".png -c '0 1 299 { /y exch def y 300 div 0.3 add 0." + std::to_string(3 + i) +
@@ -49,6 +50,8 @@ const char* const kFrontBack =
     "0 setgray /Helvetica findfont 9 scalefont setfont 20 120 moveto (Return to Brellian) show\n"
     "(back-code128.eps) 30 20 1 eps showpage\n";
 
+// 'NetpbmOf()' - The panel as a binary PPM (colour) or PGM (one byte)
+// picture, printed dots dark.
 std::string NetpbmOf(const TStreamPanel& p) {
   std::string head = (p.bytesPerPixel == 3 ? "P6\n" : "P5\n") + std::to_string(p.width) + " " +
                      std::to_string(p.rows) + "\n255\n";
@@ -59,6 +62,7 @@ std::string NetpbmOf(const TStreamPanel& p) {
   return head + body;
 }
 
+// 'LinesOf()' - The non-empty lines of text.
 std::vector<std::string> LinesOf(const std::string& text) {
   std::vector<std::string> lines;
   std::istringstream in(text);
@@ -69,6 +73,7 @@ std::vector<std::string> LinesOf(const std::string& text) {
 
 }  // namespace
 
+// 'Badge_HaveTools()' - Look for every tool the badges need.
 bool Badge_HaveTools(std::string* missing) {
   missing->clear();
   for (const char* tool : {"/usr/bin/glabels-3-batch", "/usr/bin/zbarimg", "/usr/bin/qrencode", "/usr/bin/zint",
@@ -79,6 +84,7 @@ bool Badge_HaveTools(std::string* missing) {
   return missing->empty();
 }
 
+// 'Badge_MakeDocuments()' - Make the documents with the tools, in dir.
 bool Badge_MakeDocuments(const std::string& dir, std::vector<TBadgeDoc>* docs, std::string* error) {
   std::string src = std::string(BRELLIAN_SOURCE_DIR) + "/docs/badges/";
   std::string commands =
@@ -113,6 +119,7 @@ bool Badge_MakeDocuments(const std::string& dir, std::vector<TBadgeDoc>* docs, s
   return true;
 }
 
+// 'Badge_Render()' - Print through cupsfilter, keeping the filter's raster.
 std::string Badge_Render(const std::string& conf, const std::string& serverBin, int model,
                          const TBadgeDoc& doc, bool duplex, std::string* error) {
   std::string kept = serverBin + "/../raster-" + std::to_string(model) + ".ras";
@@ -133,6 +140,7 @@ std::string Badge_Render(const std::string& conf, const std::string& serverBin, 
   return Test_ReadFile(kept);
 }
 
+// 'Badge_Print()' - The built filter on the raster.
 int Badge_Print(const std::string& raster, int model, const std::string& options, TStreamCheck* stream,
                 std::string* err) {
   TProcessOptions o;
@@ -145,6 +153,7 @@ int Badge_Print(const std::string& raster, int model, const std::string& options
   return r.status;
 }
 
+// 'Badge_Panel()' - The first complete panel of the side and type.
 const TStreamPanel* Badge_Panel(const TStreamCheck& stream, int side, const std::string& mode) {
   uint32_t type = mode == "Color" ? 0 : 1;
   for (const TStreamPanel& p : stream.panels)
@@ -152,6 +161,7 @@ const TStreamPanel* Badge_Panel(const TStreamCheck& stream, int side, const std:
   return nullptr;
 }
 
+// 'Badge_Read()' - Both readers on the panel's picture.
 std::vector<std::string> Badge_Read(const TStreamPanel& panel, const std::string& dir) {
   std::string file = dir + (panel.bytesPerPixel == 3 ? "/panel.ppm" : "/panel.pgm");
   Test_WriteFile(file, NetpbmOf(panel));
@@ -161,6 +171,7 @@ std::vector<std::string> Badge_Read(const TStreamPanel& panel, const std::string
   return found;
 }
 
+// 'Badge_InsideCard()' - The panel's margins against the card's rim.
 bool Badge_InsideCard(const TStreamPanel& panel, bool toEdge, std::string* margins) {
   TMargins m = Real_Measure(panel);
   // The card is the centred 2022 x 1276 dots of 2072 x 1328 (600 dpi) or
