@@ -24,8 +24,10 @@ const TAppModel& Model(uint32_t id) {
 
 TEST(AppVendorTable, FitsPapplsSlotsWithValidNamesAndDefaults) {
   const auto& t = Vendor_Table();
-  EXPECT_EQ(t.size(), 31u);
-  EXPECT_LE(t.size(), static_cast<size_t>(PAPPL_MAX_VENDOR));
+  // 33 attributes, 29 of them with a slot of their own (the slot plan).
+  EXPECT_EQ(t.size(), 33u);
+  EXPECT_EQ(Vendor_SlotsUsed(), 29);
+  EXPECT_LE(Vendor_SlotsUsed(), PAPPL_MAX_VENDOR);
   std::set<std::string> names;
   for (const TVendorAttr& a : t) {
     EXPECT_TRUE(names.insert(a.name).second) << a.name;

@@ -19,6 +19,7 @@
 #include "lib/raster_content.h"
 #include "lib/raster_writer.h"
 #include "lib/sample_card.h"
+#include "support/digest.h"
 #include "support/process.h"
 
 namespace {
@@ -104,9 +105,7 @@ TGoldenRun Golden_Run(const std::vector<TRasterPage>& pages, int model, const st
     if (at + 8 <= bytes.size()) bytes.replace(at, 8, 8, '\0');
   }
   run.bytes = bytes.size();
-  uint64_t hash = 14695981039346656037ull;
-  for (unsigned char c : bytes) hash = (hash ^ c) * 1099511628211ull;
-  run.digest = hash;
+  run.digest = Test_Fnv(bytes);
   run.log = Test_LogMessages();
   return run;
 }

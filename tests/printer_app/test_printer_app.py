@@ -8,8 +8,7 @@ import unittest
 
 import app_harness as h
 
-BUILD = os.environ.get("BRELLIAN_BUILD_DIR", os.path.join(os.path.dirname(__file__), "..", "..", "build-test"))
-TOOLS = os.path.join(BUILD, "tools")
+BUILD, TOOLS = h.BUILD, h.TOOLS
 PPD = {"card30": "br1030.ppd", "card35": "br1035.ppd", "card60": "br1060.ppd"}
 
 
@@ -120,11 +119,11 @@ class PrinterAppTest(unittest.TestCase):
         job = self.print_job("card35", self.pwg300_duplex, "image/pwg-raster", "duplex35",
                              [("keyword", "sides", "two-sided-long-edge"),
                               ("keyword", "brellian-back-ribbon", "monochrome"),
-                              ("boolean", "brellian-back-secure-erase", "true")])
+                              ("text", "brellian-back-options", "secure-erase=true")])
         self.assertEqual(job["job-state"], "completed")
         cards, _ = self.assert_same_as_filter("card35", job, "backRibbon=Monochrome backSecureErase=Yes")
         self.assertEqual(cards, 1)
-        sides = [r for r in h.records(self.device_output("card35", "duplex35")) if r[1] == 6]
+        sides = h.record_types(self.device_output("card35", "duplex35"), h.ICMD_STARTSIDE)
         self.assertEqual(len(sides), 2, "a two-sided card has two start-side records")
 
     def test_pwg_custom_areas_and_card_options_on_1060(self):
@@ -196,8 +195,8 @@ class PrinterAppTest(unittest.TestCase):
         job = self.print_job("card60", self.pwg600_six, "image/pwg-raster", "slow-cancel60", cancel_after=1.0)
         self.assertEqual(job["job-state"], "canceled")
         stream = self.device_output("card60", "slow-cancel60")
-        kinds = [r[1] for r in h.records(stream)]
-        self.assertTrue(kinds and kinds[0] == 1, "the stream starts with the job header")
+        kinds = h.record_types(stream)
+        self.assertTrue(kinds and kinds[0] == h.ICMD_STARTJOB, "the stream starts with the job header")
         self.assertNotIn(2, kinds, "a cancelled stream has no job footer")
         dump = subprocess.run([os.path.join(TOOLS, "brellian-jobdump"), "-q", "-"], input=stream, capture_output=True)
         self.assertEqual(dump.returncode, 3, dump.stdout.decode() + dump.stderr.decode())
