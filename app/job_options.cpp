@@ -151,8 +151,9 @@ std::string JobOpt_FilterOptions(const TAccessories& acc, const TCardValues& val
   std::string s = "ribbonType=" + acc.ribbonType + " flipTurn=" + inst(acc.flipTurn) + " laminator=" +
                   inst(acc.laminator) + " magEncoder=" + inst(acc.magEncoder) + " icEncoder=" + inst(acc.icEncoder) +
                   " icEncoderContactless=" + inst(acc.icEncoderContactless);
-  // The black rendering of the shipped PPDs: pure black kept solid beside
-  // grey and colour.  No card attribute chooses it yet.
+  // The black rendering of the shipped PPDs (pure black kept solid beside
+  // grey and colour) unless the side's black-rendering item says otherwise:
+  // a later option of the same name replaces this one.
   s += " frontBlackMode=SolidBlack backBlackMode=SolidBlack";
   for (const TVendorAttr& a : Vendor_Table()) {
     auto it = values.find(a.name);

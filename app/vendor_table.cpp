@@ -43,7 +43,8 @@ void Vendor_AddSide(std::vector<TVendorAttr>* t, int side) {
   t->push_back(uv);
   // The side's less-used options: items of its carrier, no slot of their own.
   std::string carrier = p + "options";
-  t->push_back({carrier, VENDOR_CARRIER, l + " options (uv-mark-corner=upper-right|lower-left, secure-erase=true|false)",
+  t->push_back({carrier, VENDOR_CARRIER, l + " options (uv-mark-corner=upper-right|lower-left, secure-erase=true|false, "
+                "black-rendering=solid-black|diffuse)",
                 "", side, needs, {}, ""});
   t->push_back({p + "uv-mark-corner", VENDOR_KEYWORD, l + " UV mark corner", k + "UVMAC", side, needs,
                 {{"upper-right", "UpperRight", "Upper right"}, {"lower-left", "LowerLeft", "Lower left"}},
@@ -60,6 +61,10 @@ void Vendor_AddSide(std::vector<TVendorAttr>* t, int side) {
   t->push_back(lut);
   t->push_back({p + "secure-erase", VENDOR_BOOLEAN, l + " secure erase", k + "SecureErase", side, needs, {}, "false",
                 carrier, "secure-erase"});
+  t->push_back({p + "black-rendering", VENDOR_KEYWORD, l + " black rendering", k + "BlackMode", side, needs,
+                {{"solid-black", "SolidBlack", "Keep pure black solid, diffuse the rest"},
+                 {"diffuse", "Diffuse", "Diffuse every dot"}},
+                "solid-black", carrier, "black-rendering"});
   t->push_back({p + "rotate", VENDOR_BOOLEAN, "Rotate " + std::string(kSideWord[side]) + " image", k + "Rotation",
                 side, needs, {}, "false"});
   t->push_back({p + "custom-areas", VENDOR_TEXT, l + " custom areas", "", side, needs, {}, ""});

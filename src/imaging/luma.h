@@ -13,8 +13,10 @@
 void Luma_Plane(const uint8_t* rgb, uint8_t* out, size_t count, uint8_t flip);
 
 // The two ways Luma_Plane may take, for the tests that hold them to each
-// other: one dot at a time from the product tables, and eight dots at a
-// time with AVX2 (only where Cpu_HaveAvx2() says the processor has it).
+// other and to the formula: one dot at a time with the exact integer sum,
+// and eight dots at a time with AVX2 (only where Cpu_HaveAvx2() says the
+// processor has it).  Both first fill an 8 KB table from the formula, once
+// per process.
 void Luma_PlaneScalar(const uint8_t* rgb, uint8_t* out, size_t count, uint8_t flip);
 void Luma_PlaneAvx2(const uint8_t* rgb, uint8_t* out, size_t count, uint8_t flip);
 

@@ -32,6 +32,7 @@ const std::map<std::string, int32_t TPrintingTask::*>& Fields() {
       {"frontLUTTable", &TPrintingTask::frontLUTTable},    {"backLUTTable", &TPrintingTask::backLUTTable},
       {"frontSecureErase", &TPrintingTask::frontSecureErase}, {"backSecureErase", &TPrintingTask::backSecureErase},
       {"frontRotation", &TPrintingTask::frontRotation},    {"backRotation", &TPrintingTask::backRotation},
+      {"frontBlackMode", &TPrintingTask::frontBlackMode},  {"backBlackMode", &TPrintingTask::backBlackMode},
       {"cardThickness", &TPrintingTask::cardThickness},    {"magPOMode", &TPrintingTask::magPOMode},
       {"cardLaminate", &TPrintingTask::cardLaminate},      {"entryCardFlip", &TPrintingTask::entryCardFlip},
       {"cardEjectExisting", &TPrintingTask::cardEjectExisting},

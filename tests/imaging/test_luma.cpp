@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <random>
+#include <utility>
 #include <vector>
 
 #include "imaging/luma.h"
@@ -90,5 +91,79 @@ TEST(LumaPlane, GreysAndTheWellKnownDots) {
     std::vector<uint8_t> out(256);
     way(grey.data(), out.data(), 256, 0);
     for (int v = 0; v < 256; ++v) ASSERT_EQ(Luma_Formula(v, v, v), out[v]) << v;
+  }
+}
+
+// The dots whose integer sum 299 R + 587 G + 114 B is a multiple of 1000 are
+// the only ones where the double sum may truncate one lower, so they are
+// the ones the integer ways look up.  Every such colour, shuffled and mixed
+// with other dots so that every lane of a step meets them alone and in
+// company, gives the formula's byte in every way.
+TEST(LumaPlane, EverySumOnAMultipleOfAThousandMatchesTheFormula) {
+  std::vector<uint8_t> rgb;
+  size_t lower = 0;
+  for (int r = 0; r < 256; ++r)
+    for (int g = 0; g < 256; ++g)
+      for (int b = 0; b < 256; ++b)
+        if ((299 * r + 587 * g + 114 * b) % 1000 == 0) {
+          rgb.insert(rgb.end(), {uint8_t(r), uint8_t(g), uint8_t(b)});
+          if (Luma_Formula(r, g, b) * 1000 != 299 * r + 587 * g + 114 * b) ++lower;
+        }
+  // The counts the integer ways rely on: 16,774 such colours, 3,464 of them
+  // one lower in double precision.
+  ASSERT_EQ(16774u, rgb.size() / 3);
+  ASSERT_EQ(3464u, lower);
+  std::mt19937 rng(20261124);
+  std::uniform_int_distribution<int> byte(0, 255), coin(0, 3);
+  for (int round = 0; round < 4; ++round) {
+    std::vector<uint8_t> mixed;
+    for (size_t i = 0; i < rgb.size(); i += 3) {
+      if (round > 0 && coin(rng) == 0)
+        for (int k = 0; k < 3; ++k) mixed.push_back(static_cast<uint8_t>(byte(rng)));
+      mixed.insert(mixed.end(), rgb.begin() + i, rgb.begin() + i + 3);
+    }
+    const size_t count = mixed.size() / 3;
+    for (auto way : Luma_Ways()) {
+      std::vector<uint8_t> out(count);
+      way(mixed.data(), out.data(), count, 0);
+      for (size_t i = 0; i < count; ++i)
+        ASSERT_EQ(Luma_Formula(mixed[3 * i], mixed[3 * i + 1], mixed[3 * i + 2]), out[i])
+            << "round " << round << " dot " << i;
+    }
+    // Shuffle whole colours, so the next round meets them in another order.
+    for (size_t i = rgb.size() / 3; i > 1; --i) {
+      size_t j = std::uniform_int_distribution<size_t>(0, i - 1)(rng);
+      for (int k = 0; k < 3; ++k) std::swap(rgb[3 * (i - 1) + k], rgb[3 * j + k]);
+    }
+  }
+}
+
+// A plain area repeats the same dots, and the AVX2 way then takes the bytes
+// of the eight dots before again.  Rows where each group of eight dots is
+// the group before, or that group with one byte changed (at every position
+// in turn), at every start offset: every way gives the formula's bytes.
+TEST(LumaPlane, RepeatedAndNearlyRepeatedGroupsMatchTheFormula) {
+  std::mt19937 rng(20261125);
+  std::uniform_int_distribution<int> byte(0, 255), coin(0, 2);
+  for (size_t offset = 0; offset < 8; ++offset) {
+    std::vector<uint8_t> rgb(3 * offset);
+    for (auto& v : rgb) v = static_cast<uint8_t>(byte(rng));
+    std::vector<uint8_t> group(24);
+    for (auto& v : group) v = static_cast<uint8_t>(byte(rng));
+    for (size_t g = 0; g < 600; ++g) {
+      if (coin(rng) == 0) group[g % 24] = static_cast<uint8_t>(group[g % 24] + 1 + byte(rng) % 255);
+      if (g % 100 == 50) group.assign(24, 0xFF);   // a white run
+      rgb.insert(rgb.end(), group.begin(), group.end());
+    }
+    const size_t count = rgb.size() / 3;
+    for (auto way : Luma_Ways()) {
+      for (uint8_t flip : {uint8_t{0}, uint8_t{0xFF}}) {
+        std::vector<uint8_t> out(count);
+        way(rgb.data(), out.data(), count, flip);
+        for (size_t i = 0; i < count; ++i)
+          ASSERT_EQ(Luma_Formula(rgb[3 * i], rgb[3 * i + 1], rgb[3 * i + 2]) ^ flip, out[i])
+              << "offset " << offset << " dot " << i;
+      }
+    }
   }
 }
