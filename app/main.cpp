@@ -4,9 +4,11 @@
 #include <signal.h>
 
 #include <cstdio>
+#include <cstring>
 #include <vector>
 
 #include "app_system.h"
+#include "dnssd_check.h"
 #include "driver.h"
 #include "models.h"
 #include "tool_model.h"
@@ -25,6 +27,8 @@ static void App_Usage(void*) { fputs(App_UsageText(), stdout); }
 int main(int argc, char* argv[]) {
   signal(SIGPIPE, SIG_IGN);  // a filter that ends early must not end the server
   Tool_Init();               // model tables for the presets; the library's trace log silent
+  if (argc > 1 && strcmp(argv[1], "devices") == 0 && !DnsSd_Available())
+    fprintf(stderr, "brellian-printer-app: %s\n", g_dnssdUnavailableText);
   int32_t count = 0;
   const TAppModel* models = App_Models(&count);
   static std::vector<pappl_pr_driver_t> drivers;
