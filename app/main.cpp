@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app_system.h"
+#include "cli_commands.h"
 #include "dnssd_check.h"
 #include "driver.h"
 #include "models.h"
@@ -29,6 +30,7 @@ int main(int argc, char* argv[]) {
   Tool_Init();               // model tables for the presets; the library's trace log silent
   if (argc > 1 && strcmp(argv[1], "devices") == 0 && !DnsSd_Available())
     fprintf(stderr, "brellian-printer-app: %s\n", g_dnssdUnavailableText);
+  if (argc > 1 && Cli_Handles(argv[1])) return Cli_Run(argc, argv);
   int32_t count = 0;
   const TAppModel* models = App_Models(&count);
   static std::vector<pappl_pr_driver_t> drivers;
