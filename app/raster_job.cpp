@@ -168,6 +168,8 @@ bool Raster_EndJob(pappl_job_t* job, pappl_pr_options_t*, pappl_device_t*) {
     papplJobSetMessage(job, "%d card%s printed.", rj->cards, rj->cards == 1 ? "" : "s");
   if (ok && rj->messages.warnings > 0)
     papplJobSetReasons(job, PAPPL_JREASON_JOB_COMPLETED_WITH_WARNINGS, PAPPL_JREASON_NONE);
+  else if (ok && !cancelled)  // PAPPL 1.3.1 answers a streamed Print-Job without job-state-reasons when none is set
+    papplJobSetReasons(job, PAPPL_JREASON_JOB_COMPLETED_SUCCESSFULLY, PAPPL_JREASON_NONE);
   papplJobSetData(job, nullptr);
   delete rj;
   return ok || cancelled;
