@@ -1,6 +1,6 @@
 // Installed accessories of one printer: defaults, the per-printer file and its text form.
 // Copyright 2026 The rastertobrellian authors.
-#include "accessories.h"
+#include "app/accessories.h"
 
 #include <unistd.h>
 

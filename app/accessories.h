@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "models.h"
+#include "app/models.h"
 
 // What is installed in a printer, as the filter's installable options name it.
 struct TAccessories {

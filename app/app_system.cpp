@@ -1,6 +1,6 @@
 // The PAPPL system of the application: server options, drivers, labels, per-printer pages and the state file.
 // Copyright 2026 The rastertobrellian authors.
-#include "app_system.h"
+#include "app/app_system.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -11,21 +11,21 @@
 #include <string>
 #include <vector>
 
-#include "accessories.h"
-#include "dnssd_check.h"
-#include "driver.h"
-#include "models.h"
-#include "vendor_table.h"
-#include "web_pages.h"
+#include "app/accessories.h"
+#include "app/dnssd_check.h"
+#include "app/models.h"
+#include "app/pappl_driver.h"
+#include "app/vendor_table.h"
+#include "app/web_pages.h"
 
 namespace {
 
 std::string g_stateFile;
 
-// 'Sys_ConfigDir()' - The directory of a server not run as root:
+// 'App_ConfigDir()' - The directory of a server not run as root:
 // $XDG_CONFIG_HOME, else ~/.config (made when missing).  "" for root
 // without $XDG_CONFIG_HOME, whose state lives under /var.
-std::string Sys_ConfigDir() {
+std::string App_ConfigDir() {
   const char* xdg = getenv("XDG_CONFIG_HOME");
   if (getuid() == 0 && !xdg) return "";
   std::string dir;
@@ -39,29 +39,29 @@ std::string Sys_ConfigDir() {
   return dir;
 }
 
-// 'Sys_StateFile()' - Where the printers and their defaults are kept:
+// 'App_StateFile()' - Where the printers and their defaults are kept:
 // /var/lib for root, else in the configuration directory.
-std::string Sys_StateFile() {
-  std::string dir = Sys_ConfigDir();
+std::string App_StateFile() {
+  std::string dir = App_ConfigDir();
   return dir.empty() ? "/var/lib/brellian-printer-app.state" : dir + "/brellian-printer-app.state";
 }
 
-// 'Sys_SpoolDir()' - The spool directory when the "spool-directory"
+// 'App_SpoolDir()' - The spool directory when the "spool-directory"
 // option is not given: /var/spool/brellian-printer-app for root, else
 // brellian-printer-app.d in the configuration directory.  PAPPL keeps each
 // printer's own files there (its device settings), so it must outlive the
 // process: PAPPL's own default is a new temporary directory per process,
 // which a restart of the service (PrivateTmp) wipes.  Made when missing;
 // nullptr when it cannot be made, and PAPPL then uses its default.
-const char* Sys_SpoolDir() {
+const char* App_SpoolDir() {
   static std::string spool;
-  std::string dir = Sys_ConfigDir();
+  std::string dir = App_ConfigDir();
   spool = dir.empty() ? "/var/spool/brellian-printer-app" : dir + "/brellian-printer-app.d";
   if (mkdir(spool.c_str(), 0700) != 0 && errno != EEXIST) return nullptr;
   return spool.c_str();
 }
 
-// 'Sys_AddStrings()' - The labels of the card attributes, for the web
+// 'App_AddStrings()' - The labels of the card attributes, for the web
 // interface and for clients (printer-strings-uri).  PAPPL 1.3.1 appends one
 // more "printer-strings-languages-supported" attribute to the printer for
 // every Get-Printer-Attributes once a strings resource carries a language,
@@ -69,15 +69,15 @@ const char* Sys_SpoolDir() {
 // end.  So the labels are registered for the web interface, then the file
 // is served again as a plain resource; Driver_Apply() names it in
 // printer-strings-uri and printer-strings-languages-supported.
-void Sys_AddStrings(pappl_system_t* system) {
+void App_AddStrings(pappl_system_t* system) {
   static const std::string strings = Vendor_StringsText();
   papplSystemAddStringsData(system, APP_STRINGS_PATH, "en", strings.c_str());
   papplSystemRemoveResource(system, APP_STRINGS_PATH);
   papplSystemAddResourceString(system, APP_STRINGS_PATH, "text/strings", strings.c_str());
 }
 
-// 'Sys_LogLevel()' - A log-level option value.
-pappl_loglevel_t Sys_LogLevel(const char* v) {
+// 'App_LogLevel()' - A log-level option value.
+pappl_loglevel_t App_LogLevel(const char* v) {
   if (!v) return PAPPL_LOGLEVEL_WARN;
   if (!strcmp(v, "fatal")) return PAPPL_LOGLEVEL_FATAL;
   if (!strcmp(v, "error")) return PAPPL_LOGLEVEL_ERROR;
@@ -86,8 +86,8 @@ pappl_loglevel_t Sys_LogLevel(const char* v) {
   return PAPPL_LOGLEVEL_WARN;
 }
 
-// 'Sys_ServerOptions()' - The server-options list.
-pappl_soptions_t Sys_ServerOptions(const char* v) {
+// 'App_ServerOptions()' - The server-options list.
+pappl_soptions_t App_ServerOptions(const char* v) {
   pappl_soptions_t o = PAPPL_SOPTIONS_MULTI_QUEUE | PAPPL_SOPTIONS_WEB_INTERFACE;
   if (!v) return o;
   std::string list = v;
@@ -111,8 +111,8 @@ pappl_soptions_t Sys_ServerOptions(const char* v) {
   return o;
 }
 
-// 'Sys_Drivers()' - The driver list, with a device ID for each model.
-std::vector<pappl_pr_driver_t>& Sys_Drivers() {
+// 'App_Drivers()' - The driver list, with a device ID for each model.
+std::vector<pappl_pr_driver_t>& App_Drivers() {
   static std::vector<pappl_pr_driver_t> drivers;
   static std::vector<std::string> ids;
   if (drivers.empty()) {
@@ -142,24 +142,24 @@ pappl_system_t* App_SystemCallback(int num_options, cups_option_t* options, void
   const char* portText = cupsGetOption("server-port", num_options, options);
   int port = portText ? atoi(portText) : 0;
   const char* authService = cupsGetOption("auth-service", num_options, options);
-  pappl_soptions_t soptions = Sys_ServerOptions(cupsGetOption("server-options", num_options, options));
+  pappl_soptions_t soptions = App_ServerOptions(cupsGetOption("server-options", num_options, options));
   const char* spool = cupsGetOption("spool-directory", num_options, options);
-  if (!spool) spool = Sys_SpoolDir();
+  if (!spool) spool = App_SpoolDir();
   pappl_system_t* system = papplSystemCreate(
       soptions, cupsGetOption("server-name", num_options, options) ? cupsGetOption("server-name", num_options, options)
                                                                   : "Brellian Card Printers",
       port, "_print,_universal", spool,
-      cupsGetOption("log-file", num_options, options), Sys_LogLevel(cupsGetOption("log-level", num_options, options)),
+      cupsGetOption("log-file", num_options, options), App_LogLevel(cupsGetOption("log-level", num_options, options)),
       authService, false);
   if (!system) return nullptr;
   const char* listen = cupsGetOption("listen-hostname", num_options, options);
   papplSystemAddListeners(system, listen);
   if (const char* host = cupsGetOption("server-hostname", num_options, options)) papplSystemSetHostName(system, host);
   if (const char* group = cupsGetOption("admin-group", num_options, options)) papplSystemSetAdminGroup(system, group);
-  std::vector<pappl_pr_driver_t>& drivers = Sys_Drivers();
+  std::vector<pappl_pr_driver_t>& drivers = App_Drivers();
   papplSystemSetPrinterDrivers(system, static_cast<int>(drivers.size()), drivers.data(), Driver_AutoAdd,
                                App_PrinterCreated, Driver_Callback, nullptr);
-  Sys_AddStrings(system);
+  App_AddStrings(system);
   static std::string footer = "Brellian card printer application " BRELLIAN_APP_VERSION;
   if (!DnsSd_Available()) {
     papplLog(system, PAPPL_LOGLEVEL_WARN, "%s", g_dnssdUnavailableText);
@@ -171,7 +171,7 @@ pappl_system_t* App_SystemCallback(int num_options, cups_option_t* options, void
   snprintf(version.sversion, sizeof(version.sversion), BRELLIAN_APP_VERSION);
   sscanf(BRELLIAN_APP_VERSION, "%hu.%hu.%hu", &version.version[0], &version.version[1], &version.version[2]);
   papplSystemSetVersions(system, 1, &version);
-  g_stateFile = Sys_StateFile();
+  g_stateFile = App_StateFile();
   papplSystemLoadState(system, g_stateFile.c_str());
   papplSystemSetSaveCallback(system, reinterpret_cast<pappl_save_cb_t>(papplSystemSaveState),
                              const_cast<char*>(g_stateFile.c_str()));

@@ -1,6 +1,6 @@
 // The sub-commands "delete", "submit" and "options", done by the application itself.
 // Copyright 2026 The rastertobrellian authors.
-#include "cli_commands.h"
+#include "app/cli_commands.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "cli_connect.h"
-#include "cli_options.h"
-#include "vendor_table.h"
+#include "app/cli_connect.h"
+#include "app/cli_options.h"
+#include "app/vendor_table.h"
 
 namespace {
 

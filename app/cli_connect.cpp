@@ -1,6 +1,6 @@
 // The connection of a client sub-command to a running server.
 // Copyright 2026 The rastertobrellian authors.
-#include "cli_connect.h"
+#include "app/cli_connect.h"
 
 #include <sys/wait.h>
 #include <unistd.h>

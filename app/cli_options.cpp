@@ -1,13 +1,13 @@
 // Job options of the "submit" sub-command and the option list of "options".
 // Copyright 2026 The rastertobrellian authors.
-#include "cli_options.h"
+#include "app/cli_options.h"
 
 #include <strings.h>
 
 #include <cstring>
 #include <string>
 
-#include "vendor_table.h"
+#include "app/vendor_table.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // Whether DNS-SD (avahi-daemon) can be used; looking for network printers without it.
 // Copyright 2026 The rastertobrellian authors.
-#include "dnssd_check.h"
+#include "app/dnssd_check.h"
 
 #include <avahi-client/client.h>
 #include <avahi-client/lookup.h>

@@ -1,6 +1,6 @@
 // One run of rastertobrellian as a child process, its output pumped to the device.
 // Copyright 2026 The rastertobrellian authors.
-#include "filter_run.h"
+#include "app/filter_run.h"
 
 #include <fcntl.h>
 #include <poll.h>

@@ -1,10 +1,10 @@
 // Printer attributes and operations that IPP clients expect and PAPPL 1.3.1 lacks or gets wrong.
 // Copyright 2026 The rastertobrellian authors.
-#include "ipp_conformance.h"
+#include "app/ipp_conformance.h"
 
 #include <cstdio>
 
-#include "app_system.h"
+#include "app/app_system.h"
 
 // 'Conf_AddPrinterAttrs()' - The added attributes.
 void Conf_AddPrinterAttrs(pappl_printer_t* printer, const pappl_pr_driver_data_t& data, ipp_t* attrs) {

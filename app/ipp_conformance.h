@@ -4,11 +4,11 @@
 
 #include <pappl/pappl.h>
 
-#include "accessories.h"
+#include "app/accessories.h"
 
 // 'Conf_AddPrinterAttrs()' - Add to a printer's driver attributes:
 // - printer-strings-uri and printer-strings-languages-supported, since the
-//   labels file is served as a plain resource (Sys_AddStrings());
+//   labels file is served as a plain resource (App_AddStrings());
 // - brellian-printer-id, the printer's real id: PAPPL reports printer-id 0
 //   for a printer created since the server started, until a restart;
 // - the IPP Everywhere attributes PAPPL does not give: preferred-attributes-

@@ -1,9 +1,9 @@
 // The filter's options string of a job, built from the card attributes in force.
 // Copyright 2026 The rastertobrellian authors.
-#include "job_options.h"
+#include "app/job_options.h"
 
-#include "driver.h"
-#include "vendor_table.h"
+#include "app/pappl_driver.h"
+#include "app/vendor_table.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <map>
 #include <string>
 
-#include "accessories.h"
-#include "models.h"
+#include "app/accessories.h"
+#include "app/models.h"
 
 // The card attribute values in force for a job, by IPP name ("true" /
 // "false" for booleans).

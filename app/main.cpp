@@ -7,12 +7,12 @@
 #include <cstring>
 #include <vector>
 
-#include "app_system.h"
-#include "cli_commands.h"
-#include "dnssd_check.h"
-#include "driver.h"
-#include "models.h"
-#include "tool_model.h"
+#include "app/app_system.h"
+#include "app/cli_commands.h"
+#include "app/dnssd_check.h"
+#include "app/models.h"
+#include "app/pappl_driver.h"
+#include "lib/tool_model.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 // 'main' of a sanitizer build: PAPPL and libcups keep allocations to the

@@ -1,6 +1,6 @@
 // The printer models the application drives and where their files are.
 // Copyright 2026 The rastertobrellian authors.
-#include "models.h"
+#include "app/models.h"
 
 #include <strings.h>
 

@@ -1,6 +1,6 @@
 // Changes to a printer's presets: settings values, UV images and lookup tables, through the tools' library.
 // Copyright 2026 The rastertobrellian authors.
-#include "presets_store.h"
+#include "app/presets_store.h"
 
 #include <sys/stat.h>
 
@@ -8,15 +8,15 @@
 #include <mutex>
 #include <vector>
 
-#include "atomic_file.h"
+#include "lib/atomic_file.h"
 #include "brellian_paths.h"
 #include "imaging/panel.h"
 #include "options/lut_file.h"
-#include "png_io.h"
-#include "settings_keys.h"
-#include "tool_model.h"
+#include "lib/png_io.h"
+#include "lib/settings_keys.h"
+#include "lib/tool_model.h"
 #include "util/safe_file.h"
-#include "uv_image.h"
+#include "lib/uv_image.h"
 
 namespace {
 

@@ -6,15 +6,15 @@
 // multi-card documents arrive as more pages than one card takes, so when a
 // card's pages are complete and another page comes, the run is finished
 // and a new one started for the next card.
-#include "raster_job.h"
+#include "app/raster_job.h"
 
 #include <memory>
 #include <string>
 
-#include "accessories.h"
-#include "filter_run.h"
-#include "job_options.h"
-#include "models.h"
+#include "app/accessories.h"
+#include "app/filter_run.h"
+#include "app/job_options.h"
+#include "app/models.h"
 
 extern char** environ;
 
@@ -34,9 +34,9 @@ struct TRasterJob {
   bool failed = false;
 };
 
-// 'Raster_Env()' - The filter's environment: the spooler's variables
+// 'RasterJob_Env()' - The filter's environment: the spooler's variables
 // (PPD, DEVICE_URI with the serial number, PRINTER) and a few of ours.
-std::vector<std::string> Raster_Env(const TAppModel& model, const TAccessories& acc, pappl_printer_t* printer) {
+std::vector<std::string> RasterJob_Env(const TAppModel& model, const TAccessories& acc, pappl_printer_t* printer) {
   std::vector<std::string> env;
   std::string uri = papplPrinterGetDeviceURI(printer);
   uri = uri.substr(0, uri.find('?'));
@@ -53,8 +53,8 @@ std::vector<std::string> Raster_Env(const TAppModel& model, const TAccessories& 
   return env;
 }
 
-// 'Raster_NewCard()' - Finish the run of the last card, start one for the next.
-bool Raster_NewCard(pappl_job_t* job, pappl_device_t* device, TRasterJob* rj) {
+// 'RasterJob_NewCard()' - Finish the run of the last card, start one for the next.
+bool RasterJob_NewCard(pappl_job_t* job, pappl_device_t* device, TRasterJob* rj) {
   if (rj->run && !rj->run->Finish()) rj->failed = true;
   rj->run.reset(new TFilterRun(job, device, &rj->messages));
   rj->pagesInCard = 0;
@@ -75,8 +75,8 @@ bool Raster_NewCard(pappl_job_t* job, pappl_device_t* device, TRasterJob* rj) {
 
 }  // namespace
 
-// 'Raster_StartJob()' - Options of the job; the first run starts with the first page.
-bool Raster_StartJob(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t*) {
+// 'RasterJob_StartJob()' - Options of the job; the first run starts with the first page.
+bool RasterJob_StartJob(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t*) {
   pappl_printer_t* printer = papplJobGetPrinter(job);
   const TAppModel* model = App_FindModel(papplPrinterGetDriverName(printer));
   if (!model) return false;
@@ -94,7 +94,7 @@ bool Raster_StartJob(pappl_job_t* job, pappl_pr_options_t* options, pappl_device
   const char* title = papplJobGetName(job);
   rj->args.filter = App_FilterPath();
   rj->args.argv = {std::to_string(papplJobGetID(job)), user ? user : "guest", title ? title : "", "1", opts};
-  rj->args.env = Raster_Env(*model, rj->acc, printer);
+  rj->args.env = RasterJob_Env(*model, rj->acc, printer);
   papplLogJob(job, PAPPL_LOGLEVEL_DEBUG, "Filter options: %s", opts.c_str());
   papplLogJob(job, PAPPL_LOGLEVEL_DEBUG, "Filter environment: %s %s %s", rj->args.env[0].c_str(),
               rj->args.env[1].c_str(), rj->args.env[2].c_str());
@@ -102,14 +102,14 @@ bool Raster_StartJob(pappl_job_t* job, pappl_pr_options_t* options, pappl_device
   return true;
 }
 
-// 'Raster_StartPage()' - A new card when the current one has all its pages.
-bool Raster_StartPage(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* device, unsigned) {
+// 'RasterJob_StartPage()' - A new card when the current one has all its pages.
+bool RasterJob_StartPage(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* device, unsigned) {
   TRasterJob* rj = static_cast<TRasterJob*>(papplJobGetData(job));
   if (!rj || rj->failed) return false;
   if (papplJobIsCanceled(job)) return false;
   cups_page_header2_t* h = &options->header;
   if (!rj->run || rj->pagesInCard >= rj->cardPages) {
-    if (!Raster_NewCard(job, device, rj)) return false;
+    if (!RasterJob_NewCard(job, device, rj)) return false;
     bool duplex = h->Duplex != 0;
     rj->cardPages = JobOpt_PagesPerSide(rj->values, 0) + (duplex ? JobOpt_PagesPerSide(rj->values, 1) : 0);
   }
@@ -122,8 +122,8 @@ bool Raster_StartPage(pappl_job_t* job, pappl_pr_options_t* options, pappl_devic
   return true;
 }
 
-// 'Raster_WriteLine()' - One row; a cancel ends the run with SIGTERM.
-bool Raster_WriteLine(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t*, unsigned, const unsigned char* line) {
+// 'RasterJob_WriteLine()' - One row; a cancel ends the run with SIGTERM.
+bool RasterJob_WriteLine(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t*, unsigned, const unsigned char* line) {
   TRasterJob* rj = static_cast<TRasterJob*>(papplJobGetData(job));
   if (!rj || !rj->run || rj->failed) return false;
   if (papplJobIsCanceled(job)) {
@@ -134,16 +134,16 @@ bool Raster_WriteLine(pappl_job_t* job, pappl_pr_options_t* options, pappl_devic
   return !rj->failed;
 }
 
-// 'Raster_EndPage()' - Nothing to do but notice a cancel.
-bool Raster_EndPage(pappl_job_t* job, pappl_pr_options_t*, pappl_device_t*, unsigned) {
+// 'RasterJob_EndPage()' - Nothing to do but notice a cancel.
+bool RasterJob_EndPage(pappl_job_t* job, pappl_pr_options_t*, pappl_device_t*, unsigned) {
   TRasterJob* rj = static_cast<TRasterJob*>(papplJobGetData(job));
   if (!rj) return false;
   if (papplJobIsCanceled(job) && rj->run) rj->run->Cancel();
   return !rj->failed;
 }
 
-// 'Raster_EndJob()' - Finish the last run; the job's final message.
-bool Raster_EndJob(pappl_job_t* job, pappl_pr_options_t*, pappl_device_t*) {
+// 'RasterJob_EndJob()' - Finish the last run; the job's final message.
+bool RasterJob_EndJob(pappl_job_t* job, pappl_pr_options_t*, pappl_device_t*) {
   TRasterJob* rj = static_cast<TRasterJob*>(papplJobGetData(job));
   if (!rj) return false;
   bool cancelled = papplJobIsCanceled(job);

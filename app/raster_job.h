@@ -4,9 +4,9 @@
 
 #include <pappl/pappl.h>
 
-bool Raster_StartJob(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* device);
-bool Raster_StartPage(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* device, unsigned page);
-bool Raster_WriteLine(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* device, unsigned y,
+bool RasterJob_StartJob(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* device);
+bool RasterJob_StartPage(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* device, unsigned page);
+bool RasterJob_WriteLine(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* device, unsigned y,
                       const unsigned char* line);
-bool Raster_EndPage(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* device, unsigned page);
-bool Raster_EndJob(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* device);
+bool RasterJob_EndPage(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* device, unsigned page);
+bool RasterJob_EndJob(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* device);

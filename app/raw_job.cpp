@@ -1,6 +1,6 @@
 // Raw job streams: checked with the library's stream reader before they reach the printer.
 // Copyright 2026 The rastertobrellian authors.
-#include "raw_job.h"
+#include "app/raw_job.h"
 
 #include <cerrno>
 #include <string>

@@ -1,6 +1,6 @@
 // The usage text of brellian-printer-app --help.
 // Copyright 2026 The rastertobrellian authors.
-#include "app_system.h"
+#include "app/app_system.h"
 
 static const char USAGE[] =
     "Usage: brellian-printer-app SUB-COMMAND [OPTIONS] [FILES]\n"

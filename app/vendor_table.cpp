@@ -1,6 +1,6 @@
 // The table of card attributes: one entry per filter option group, 31 of PAPPL's 32 slots.
 // Copyright 2026 The rastertobrellian authors.
-#include "vendor_table.h"
+#include "app/vendor_table.h"
 
 namespace {
 

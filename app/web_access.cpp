@@ -1,6 +1,6 @@
 // Access rule of the application's web pages and small page helpers.
 // Copyright 2026 The rastertobrellian authors.
-#include "web_access.h"
+#include "app/web_access.h"
 
 #include <netinet/in.h>
 #include <sys/socket.h>

@@ -2,10 +2,10 @@
 // Copyright 2026 The rastertobrellian authors.
 #include <string>
 
-#include "accessories.h"
-#include "driver.h"
-#include "web_access.h"
-#include "web_pages.h"
+#include "app/accessories.h"
+#include "app/pappl_driver.h"
+#include "app/web_access.h"
+#include "app/web_pages.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // Registration of the per-printer web pages.
 // Copyright 2026 The rastertobrellian authors.
-#include "web_pages.h"
+#include "app/web_pages.h"
 
 // 'Web_AddPrinterPages()' - Two resources and two links per printer.
 void Web_AddPrinterPages(pappl_printer_t* printer) {

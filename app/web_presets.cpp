@@ -3,25 +3,25 @@
 #include <map>
 #include <string>
 
-#include "accessories.h"
+#include "app/accessories.h"
 #include "options/lut_file.h"
-#include "presets_store.h"
-#include "settings_keys.h"
-#include "web_access.h"
-#include "web_pages.h"
-#include "web_upload.h"
+#include "app/presets_store.h"
+#include "lib/settings_keys.h"
+#include "app/web_access.h"
+#include "app/web_pages.h"
+#include "app/web_upload.h"
 
 namespace {
 
-// 'Presets_Input()' - One text input of a settings key.
-void Presets_Input(pappl_client_t* client, const TBrellianSettings& s, const TSettingsKey& key, int size) {
+// 'Web_PresetInput()' - One text input of a settings key.
+void Web_PresetInput(pappl_client_t* client, const TBrellianSettings& s, const TSettingsKey& key, int size) {
   std::string name = Settings_KeyName(key);
   papplClientHTMLPrintf(client, "<input type=\"text\" name=\"%s\" id=\"%s\" value=\"%s\" size=\"%d\">", name.c_str(),
                         name.c_str(), Settings_GetValue(s, key).c_str(), size);
 }
 
-// 'Presets_AreaTable()' - Ten presets of one kind, three areas per group.
-void Presets_AreaTable(pappl_client_t* client, const TBrellianSettings& s, TSettingsKind kind, const char* title,
+// 'Web_PresetAreaTable()' - Ten presets of one kind, three areas per group.
+void Web_PresetAreaTable(pappl_client_t* client, const TBrellianSettings& s, TSettingsKind kind, const char* title,
                        const char* group0, const char* group1) {
   papplClientHTMLPrintf(client,
                         "<h3>%s</h3>\n<table class=\"list\"><tr><th>Preset</th><th colspan=\"3\">%s</th>"
@@ -32,7 +32,7 @@ void Presets_AreaTable(pappl_client_t* client, const TBrellianSettings& s, TSett
     for (int g = 0; g < 2; ++g)
       for (int k = 0; k < 3; ++k) {
         papplClientHTMLPuts(client, "<td>");
-        Presets_Input(client, s, TSettingsKey{kind, p, g, k}, 16);
+        Web_PresetInput(client, s, TSettingsKey{kind, p, g, k}, 16);
         papplClientHTMLPuts(client, "</td>");
       }
     papplClientHTMLPuts(client, "</tr>\n");
@@ -40,32 +40,32 @@ void Presets_AreaTable(pappl_client_t* client, const TBrellianSettings& s, TSett
   papplClientHTMLPuts(client, "</table>\n");
 }
 
-// 'Presets_Row()' - One labelled key in the form table.
-void Presets_Row(pappl_client_t* client, const TBrellianSettings& s, const TSettingsKey& key, const char* label,
+// 'Web_PresetRow()' - One labelled key in the form table.
+void Web_PresetRow(pappl_client_t* client, const TBrellianSettings& s, const TSettingsKey& key, const char* label,
                  const char* hint) {
   papplClientHTMLPrintf(client, "<tr><th><label for=\"%s\">%s:</label></th><td>", Settings_KeyName(key).c_str(), label);
-  Presets_Input(client, s, key, 24);
+  Web_PresetInput(client, s, key, 24);
   papplClientHTMLPrintf(client, " <small>%s</small></td></tr>\n", hint);
 }
 
-// 'Presets_Forms()' - The three forms of the page.
-void Presets_Forms(pappl_client_t* client, const char* path, const TBrellianSettings& s) {
+// 'Web_PresetForms()' - The three forms of the page.
+void Web_PresetForms(pappl_client_t* client, const char* path, const TBrellianSettings& s) {
   papplClientHTMLStartForm(client, path, false);
   papplClientHTMLPuts(client, "<input type=\"hidden\" name=\"action\" value=\"settings\">\n");
   papplClientHTMLPuts(client, "<p><small>Areas are \"LEFT TOP WIDTH HEIGHT\" with a unit each (px, mm, cm, in), "
                               "e.g. \"5mm 5mm 40mm 20mm\".</small></p>\n");
-  Presets_AreaTable(client, s, SETKEY_RESIN_AREA, "Resin black areas", "Resin", "No resin");
-  Presets_AreaTable(client, s, SETKEY_PO_AREA, "Overlay areas", "Overlay off (peel-off)", "Overlay kept");
+  Web_PresetAreaTable(client, s, SETKEY_RESIN_AREA, "Resin black areas", "Resin", "No resin");
+  Web_PresetAreaTable(client, s, SETKEY_PO_AREA, "Overlay areas", "Overlay off (peel-off)", "Overlay kept");
   papplClientHTMLPuts(client, "<h3>Card settings</h3>\n<table class=\"form\">\n");
-  Presets_Row(client, s, TSettingsKey{SETKEY_PLUGIN, 0, 0, 0}, "Plug-in", "used when a job says \"printer setting\"");
-  Presets_Row(client, s, TSettingsKey{SETKEY_CARD_THICKNESS, 0, 0, 0}, "Card thickness", "unset, standard or thin");
-  Presets_Row(client, s, TSettingsKey{SETKEY_MAG_PO_MODE, 0, 0, 0}, "Overlay over the stripe",
+  Web_PresetRow(client, s, TSettingsKey{SETKEY_PLUGIN, 0, 0, 0}, "Plug-in", "used when a job says \"printer setting\"");
+  Web_PresetRow(client, s, TSettingsKey{SETKEY_CARD_THICKNESS, 0, 0, 0}, "Card thickness", "unset, standard or thin");
+  Web_PresetRow(client, s, TSettingsKey{SETKEY_MAG_PO_MODE, 0, 0, 0}, "Overlay over the stripe",
               "unset, disabled or enabled");
   for (int i = 0; i < 3; ++i)
-    Presets_Row(client, s, TSettingsKey{SETKEY_LUT_NAME, 0, 0, i}, ("Colour table " + std::to_string(i + 1)).c_str(),
+    Web_PresetRow(client, s, TSettingsKey{SETKEY_LUT_NAME, 0, 0, i}, ("Colour table " + std::to_string(i + 1)).c_str(),
                 "name of a table in the lut folder");
   for (int i = 0; i < 5; ++i)
-    Presets_Row(client, s, TSettingsKey{SETKEY_UV_NAME, 0, 0, i}, ("UV preset " + std::to_string(i + 1)).c_str(),
+    Web_PresetRow(client, s, TSettingsKey{SETKEY_UV_NAME, 0, 0, i}, ("UV preset " + std::to_string(i + 1)).c_str(),
                 "name of a file in the uv folder");
   papplClientHTMLPuts(client, "<tr><th></th><td><input type=\"submit\" id=\"save-settings\" value=\"Save presets\">"
                               "</td></tr>\n</table></form>\n");
@@ -103,8 +103,8 @@ void Presets_Forms(pappl_client_t* client, const char* path, const TBrellianSett
                       "</tr>\n</table></form>\n");
 }
 
-// 'Presets_Post()' - Carry out one form; the message for the page.
-bool Presets_Post(pappl_client_t* client, const TAppModel& model, const std::string& serial, std::string* message) {
+// 'Web_PresetPost()' - Carry out one form; the message for the page.
+bool Web_PresetPost(pappl_client_t* client, const TAppModel& model, const std::string& serial, std::string* message) {
   cups_option_t* form = nullptr;
   int num_form = papplClientGetForm(client, &form);
   bool ok = false;
@@ -161,7 +161,7 @@ bool Web_PresetsPage(pappl_client_t* client, void* data) {
       message = "This printer has no serial number yet: set it on the Device settings page.";
       ok = false;
     } else {
-      ok = Presets_Post(client, *model, acc.serial, &message);
+      ok = Web_PresetPost(client, *model, acc.serial, &message);
     }
   }
   papplClientHTMLPrinterHeader(client, printer, "Card presets", 0, nullptr, nullptr);
@@ -178,7 +178,7 @@ bool Web_PresetsPage(pappl_client_t* client, void* data) {
                           settings.FilePath().c_str());
     char path[256];
     papplPrinterGetPath(printer, "presets", path, sizeof(path));
-    Presets_Forms(client, path, settings);
+    Web_PresetForms(client, path, settings);
   }
   papplClientHTMLPrinterFooter(client);
   return true;

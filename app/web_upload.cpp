@@ -1,6 +1,6 @@
 // Files uploaded through a web form: taken only from the server's own temporary files.
 // Copyright 2026 The rastertobrellian authors.
-#include "web_upload.h"
+#include "app/web_upload.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

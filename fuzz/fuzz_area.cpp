@@ -4,7 +4,7 @@
 #include <cstring>
 #include <string>
 
-#include "fuzz_common.h"
+#include "fuzz/fuzz_common.h"
 #include "options/area.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {

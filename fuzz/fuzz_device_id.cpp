@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "fuzz_common.h"
+#include "fuzz/fuzz_common.h"
 #include "status/device_id.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {

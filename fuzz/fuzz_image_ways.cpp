@@ -13,7 +13,7 @@
 #include <cstring>
 #include <vector>
 
-#include "fuzz_common.h"
+#include "fuzz/fuzz_common.h"
 #include "imaging/luma.h"
 #include "imaging/pure_map.h"
 #include "imaging/resample.h"

@@ -2,7 +2,7 @@
 // Copyright 2026 The rastertobrellian authors.
 #include <cstdlib>
 
-#include "fuzz_common.h"
+#include "fuzz/fuzz_common.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Fuzz_Init();

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "fuzz_common.h"
+#include "fuzz/fuzz_common.h"
 #include "options/lut_file.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {

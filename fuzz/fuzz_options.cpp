@@ -6,7 +6,7 @@
 #include <cstdlib>
 
 #include "driver/printing_task.h"
-#include "fuzz_common.h"
+#include "fuzz/fuzz_common.h"
 #include "jobstream/framing.h"
 #include "options/read_options.h"
 

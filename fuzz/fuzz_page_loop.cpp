@@ -24,8 +24,8 @@
 
 #include "driver/globals.h"
 #include "driver/printing_task.h"
-#include "fuzz_common.h"
-#include "page_input.h"
+#include "fuzz/fuzz_common.h"
+#include "fuzz/page_input.h"
 #include "imaging/panel.h"
 #include "jobstream/stream_reader.h"
 

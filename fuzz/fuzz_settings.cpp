@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "fuzz_common.h"
+#include "fuzz/fuzz_common.h"
 #include "options/settings.h"
 
 namespace {

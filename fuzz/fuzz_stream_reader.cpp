@@ -14,10 +14,10 @@
 #include <string>
 #include <vector>
 
-#include "job_text.h"
+#include "lib/job_text.h"
 #include "jobstream/stream_reader.h"
-#include "panel_png.h"
-#include "png_io.h"
+#include "lib/panel_png.h"
+#include "lib/png_io.h"
 
 namespace {
 
@@ -31,7 +31,7 @@ namespace {
 // file back and compare it with the picture it was made from.
 void Fuzz_CheckPicture(const std::string& dir, const TStreamPanel& panel) {
   std::string path;
-  bool written = Dump_WritePanelPng(dir, panel, &path);
+  bool written = Inspect_WritePanelPng(dir, panel, &path);
   if (panel.rows == 0) {
     if (written) Fuzz_Fail("a panel without rows was written");
     return;
@@ -51,7 +51,7 @@ void Fuzz_CheckPicture(const std::string& dir, const TStreamPanel& panel) {
                                           : Png_DecodeGray(bytes, &image, &error);
   if (!decoded) Fuzz_Fail(error.c_str());
   if (image.width != panel.width || image.height != panel.rows ||
-      image.pixels != Dump_PanelImage(panel))
+      image.pixels != Inspect_PanelImage(panel))
     Fuzz_Fail("the panel picture differs from the panel");
 }
 
@@ -75,12 +75,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
       Fuzz_Fail("panel bytes do not match its rows");
     if (p.rows > p.height || (p.complete && p.rows != p.height)) Fuzz_Fail("panel rows");
   }
-  std::vector<std::string> chunks = Dump_Listing(check, true);
-  std::vector<std::string> summary = Dump_Listing(check, false);
+  std::vector<std::string> chunks = Inspect_Listing(check, true);
+  std::vector<std::string> summary = Inspect_Listing(check, false);
   if (chunks.size() < check.records.size() || summary.size() > chunks.size())
     Fuzz_Fail("listing lines");
-  for (const TStreamRecord& r : check.records) Dump_Fields(r);
-  if (Dump_Verdict(check).empty()) Fuzz_Fail("empty verdict");
+  for (const TStreamRecord& r : check.records) Inspect_Fields(r);
+  if (Inspect_Verdict(check).empty()) Fuzz_Fail("empty verdict");
   // Pictures: a few per input, so that one input cannot write thousands.
   for (size_t i = 0; i < check.panels.size() && i < 4; ++i) Fuzz_CheckPicture(dir, check.panels[i]);
   return 0;

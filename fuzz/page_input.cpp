@@ -1,7 +1,7 @@
 // The job of one page loop fuzz input: options from its first bytes, the
 // raster stream from the rest, screened against the page caps.
 // Copyright 2026 The rastertobrellian authors.
-#include "page_input.h"
+#include "fuzz/page_input.h"
 
 #include <cstddef>
 #include <cstdio>

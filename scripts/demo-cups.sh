@@ -17,7 +17,7 @@ mkdir -p "$out/serverbin/filter" "$out/panels"
 # cupsfilter finds filters in ServerBin: the system's, plus the built one.
 for f in /usr/lib/cups/filter/*; do ln -s "$f" "$out/serverbin/filter/"; done
 ln -s "$PWD/$build/rastertobrellian" "$out/serverbin/filter/rastertobrellian"
-ln -s "$PWD/ppd/pdftobrellian" "$PWD/ppd/texttobrellian" "$out/serverbin/filter/"
+ln -s "$PWD/filters/pdftobrellian" "$PWD/filters/texttobrellian" "$out/serverbin/filter/"
 echo "ServerBin $out/serverbin" > "$out/cups-files.conf"
 
 options=(-o frontRibbon=ColorK -o frontResin=Preset1 -o Duplex=DuplexNoTumble)

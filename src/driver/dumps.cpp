@@ -30,7 +30,7 @@ const char* const kDumpedVariables[] = {
 // read as plain words, since the stream may hold any value in them.
 template <typename T>
 int Dump_Int(const T& field) {
-  return static_cast<int>(Raster_Word(field));
+  return static_cast<int>(Header_Word(field));
 }
 
 #define DUMP_FIELD(field) static_cast<int>(sizeof(field)), (field)

@@ -127,8 +127,8 @@ void TPrintingTask::run() {
   cups_page_header2_t header;
   while (!cancelled && raster && cupsRasterReadHeader2(raster, &header)) {
     Page_DumpHeader(this, &header);
-    duplex = Raster_Word(header.Duplex) ? 1 : 0;
-    tumble = Raster_Word(header.Tumble) ? 1 : 0;
+    duplex = Header_Word(header.Duplex) ? 1 : 0;
+    tumble = Header_Word(header.Tumble) ? 1 : 0;
     ++page;
     // Once the card is complete a page is only read to its end: its rows
     // go through one scratch row, never into a page buffer.

@@ -89,7 +89,7 @@ void Loop_DrainRest(TPrintingTask* task, cups_raster_t* raster, const cups_page_
   // cupsHeight lines for every colour plane and answers 0 once they are all
   // read (or the stream ends).
   unsigned lineBytes = header.cupsBytesPerLine;
-  if (!raster || lineBytes == 0 || Raster_Word(header.cupsColorOrder) != CUPS_ORDER_PLANAR) return;
+  if (!raster || lineBytes == 0 || Header_Word(header.cupsColorOrder) != CUPS_ORDER_PLANAR) return;
   uint8_t* line = Rows_Scratch(task, lineBytes);
   while (!g_cancelJob && cupsRasterReadPixels(raster, line, lineBytes) != 0) {
   }

@@ -77,7 +77,7 @@ int32_t Image_CUPSToPrinterRGB(TPrintingTask* task, uint8_t** out) {
   uint32_t w = header->cupsWidth, h = header->cupsHeight, lineBytes = header->cupsBytesPerLine;
   uint32_t bpp = w ? lineBytes / w : 0;   // a zero width reads as 0 bytes per pixel
 
-  int32_t colorants = Convert_Colorants(Raster_Word(header->cupsColorSpace));
+  int32_t colorants = Convert_Colorants(Header_Word(header->cupsColorSpace));
   if (colorants != 0) {
     if (bpp == 3) Log_Write(LOG_LOG, "ERR: CUPS number planes = %d.  Only supports 1.", colorants);
     else Log_Write(LOG_LOG, "ERR: CUPS bytes per pixel = %d.  Only supports 3.", bpp);
@@ -89,7 +89,7 @@ int32_t Image_CUPSToPrinterRGB(TPrintingTask* task, uint8_t** out) {
   }
   // Banded and planar lines hold one colour after the other, not pixels,
   // even where their length would pass for three bytes per pixel.
-  uint32_t order = Raster_Word(header->cupsColorOrder);
+  uint32_t order = Header_Word(header->cupsColorOrder);
   if (order != CUPS_ORDER_CHUNKED) {
     Log_Write(LOG_LOG, "ERR: CUPS color order = %d.  Only supports 0.", static_cast<int>(order));
     return 1;

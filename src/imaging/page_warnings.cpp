@@ -78,12 +78,12 @@ void Warn_PageNotConverted(const TPrintingTask* task) {
   const cups_page_header2_t* h = task->pageHeader;
   if (!h) return;
   uint32_t bpp = h->cupsWidth ? h->cupsBytesPerLine / h->cupsWidth : 0;
-  uint32_t space = Raster_Word(h->cupsColorSpace);
+  uint32_t space = Header_Word(h->cupsColorSpace);
   bool rgbSpace = space != CUPS_CSPACE_CMY && space != CUPS_CSPACE_KCMY && space != CUPS_CSPACE_KCMYcm;
   if (bpp != 3 || !rgbSpace)
     Warn_Write("Page %d is left out: it is not 8-bit RGB (colour space %u, %u bits per pixel), the only "
                "raster the printer takes; the next page takes its place", static_cast<int>(task->pageCount),
-               space, Raster_Word(h->cupsBitsPerPixel));
+               space, Header_Word(h->cupsBitsPerPixel));
   else
     Warn_Write("Page %d is left out: not enough memory to convert its %u x %u dots; the next page takes "
                "its place", static_cast<int>(task->pageCount), h->cupsWidth, h->cupsHeight);

@@ -15,18 +15,18 @@
 
 namespace {
 
-// 'Settings_MakeDirs()' - Create the configuration and settings directories
+// 'Store_MakeDirs()' - Create the configuration and settings directories
 // (mode 0777, errors ignored).  An existing directory keeps its mode.
-void Settings_MakeDirs() {
+void Store_MakeDirs() {
   mkdir(BRELLIAN_CONF_DIR, 0777);
   mkdir(BRELLIAN_SETTINGS_DIR, 0777);
 }
 
-// 'Settings_NameError()' - 0 when name may stand in a settings file name,
+// 'Store_NameError()' - 0 when name may stand in a settings file name,
 // else the error number reported for it: ENAMETOOLONG for a name over
 // SETTINGS_NAME_MAX bytes, EINVAL for an empty name or one holding "/",
 // control characters or a leading ".".
-int Settings_NameError(const std::string& name) {
+int Store_NameError(const std::string& name) {
   if (name.size() > SETTINGS_NAME_MAX) return ENAMETOOLONG;
   if (name.size() != strlen(name.c_str())) return EINVAL;
   return File_IsSafeName(name.c_str(), SETTINGS_NAME_MAX) ? 0 : EINVAL;
@@ -66,13 +66,13 @@ std::string TBrellianSettings::FilePath() const {
 // SETTINGS_FILE_MAX leaves the reset state and returns false.
 bool TBrellianSettings::Load(const char* model, const char* serial) {
   Reset();
-  Settings_MakeDirs();
+  Store_MakeDirs();
   modelName = model ? model : "";
   serialNumber = serial ? serial : "";
   Str_ToLower(modelName);
   Str_ToLower(serialNumber);
-  int error = Settings_NameError(modelName);
-  if (!error) error = Settings_NameError(serialNumber);
+  int error = Store_NameError(modelName);
+  if (!error) error = Store_NameError(serialNumber);
   std::string bytes;
   if (!error && Conf_ReadFile(FilePath().c_str(), SETTINGS_FILE_MAX, &bytes) != 0) error = errno;
   if (error) {
@@ -85,9 +85,9 @@ bool TBrellianSettings::Load(const char* model, const char* serial) {
 
 // 'Save()' - Write the file named by the stored names (truncating it).
 bool TBrellianSettings::Save() {
-  Settings_MakeDirs();
-  int error = Settings_NameError(modelName);
-  if (!error) error = Settings_NameError(serialNumber);
+  Store_MakeDirs();
+  int error = Store_NameError(modelName);
+  if (!error) error = Store_NameError(serialNumber);
   FILE* file = nullptr;
   if (!error) {
     file = File_FOpenRegular(FilePath().c_str(), "wb");

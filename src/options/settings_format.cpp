@@ -51,13 +51,13 @@ struct TSettingsReader {
   }
 };
 
-void Settings_PutU32(std::string* out, uint32_t value) {
+void Store_PutU32(std::string* out, uint32_t value) {
   for (int i = 0; i < 4; ++i) out->push_back(static_cast<char>((value >> (8 * i)) & 0xFF));
 }
 
-void Settings_PutString(std::string* out, const std::string& text) {
+void Store_PutString(std::string* out, const std::string& text) {
   size_t n = strnlen(text.c_str(), text.size());
-  Settings_PutU32(out, static_cast<uint32_t>(n + 1));
+  Store_PutU32(out, static_cast<uint32_t>(n + 1));
   out->append(text.c_str(), n);
   out->push_back('\0');
 }
@@ -102,18 +102,18 @@ void TBrellianSettings::LoadFromBytes(const uint8_t* data, size_t size) {
 // are kept.  A text is written up to its first zero byte.
 std::string TBrellianSettings::SaveToBytes() const {
   std::string out(kMagic, sizeof kMagic);
-  Settings_PutU32(&out, SETTINGS_VERSION);
+  Store_PutU32(&out, SETTINGS_VERSION);
   out.append(reinterpret_cast<const char*>(flags), SETTINGS_FLAGS);
   for (const auto& preset : resinAreas)
     for (const auto& group : preset)
-      for (int k = 0; k < SETTINGS_FILE_AREAS; ++k) Settings_PutString(&out, group[k]);
+      for (int k = 0; k < SETTINGS_FILE_AREAS; ++k) Store_PutString(&out, group[k]);
   for (const auto& preset : poAreas)
     for (const auto& group : preset)
-      for (int k = 0; k < SETTINGS_FILE_AREAS; ++k) Settings_PutString(&out, group[k]);
-  for (const auto& name : lutNames) Settings_PutString(&out, name);
-  for (const auto& name : uvNames) Settings_PutString(&out, name);
-  Settings_PutString(&out, plugin);
-  Settings_PutU32(&out, static_cast<uint32_t>(cardThickness));
-  Settings_PutU32(&out, static_cast<uint32_t>(magPOMode));
+      for (int k = 0; k < SETTINGS_FILE_AREAS; ++k) Store_PutString(&out, group[k]);
+  for (const auto& name : lutNames) Store_PutString(&out, name);
+  for (const auto& name : uvNames) Store_PutString(&out, name);
+  Store_PutString(&out, plugin);
+  Store_PutU32(&out, static_cast<uint32_t>(cardThickness));
+  Store_PutU32(&out, static_cast<uint32_t>(magPOMode));
   return out;
 }

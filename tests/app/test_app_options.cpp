@@ -6,11 +6,11 @@
 
 #include <set>
 
-#include "accessories.h"
-#include "driver.h"
-#include "job_options.h"
-#include "models.h"
-#include "vendor_table.h"
+#include "app/accessories.h"
+#include "app/pappl_driver.h"
+#include "app/job_options.h"
+#include "app/models.h"
+#include "app/vendor_table.h"
 
 namespace {
 

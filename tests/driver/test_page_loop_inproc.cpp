@@ -14,7 +14,7 @@
 #include "driver/printing_task.h"
 #include "jobstream/records.h"
 #include "jobstream/stream_reader.h"
-#include "raster_writer.h"
+#include "lib/raster_writer.h"
 #include "support/process.h"
 
 namespace {

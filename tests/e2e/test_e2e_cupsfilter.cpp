@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "jobstream/stream_reader.h"
-#include "png_io.h"
+#include "lib/png_io.h"
 #include "support/cups_env.h"
 #include "support/process.h"
 

@@ -16,9 +16,9 @@
 
 #include "jobstream/records.h"
 #include "jobstream/stream_reader.h"
-#include "raster_content.h"
-#include "raster_writer.h"
-#include "sample_card.h"
+#include "lib/raster_content.h"
+#include "lib/raster_writer.h"
+#include "lib/sample_card.h"
 #include "support/process.h"
 
 namespace {

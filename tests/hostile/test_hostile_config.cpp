@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "brellian_paths.h"
-#include "raster_writer.h"
+#include "lib/raster_writer.h"
 #include "support/process.h"
 #include "support/hostile_harness.h"
 

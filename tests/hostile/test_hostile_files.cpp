@@ -13,7 +13,7 @@
 
 #include "brellian_paths.h"
 #include "options/settings.h"
-#include "raster_writer.h"
+#include "lib/raster_writer.h"
 #include "status/tables.h"
 #include "support/process.h"
 #include "support/hostile_harness.h"

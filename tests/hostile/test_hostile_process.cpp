@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "raster_writer.h"
+#include "lib/raster_writer.h"
 #include "support/process.h"
 #include "support/hostile_harness.h"
 #include "support/signal_trial.h"

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "raster_content.h"
-#include "raster_writer.h"
+#include "lib/raster_content.h"
+#include "lib/raster_writer.h"
 #include "support/process.h"
 #include "support/signal_trial.h"
 

@@ -11,7 +11,7 @@
 
 #include "brellian_version.h"
 #include "driver/lifecycle.h"
-#include "raster_writer.h"
+#include "lib/raster_writer.h"
 #include "support/process.h"
 
 namespace {

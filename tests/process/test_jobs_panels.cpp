@@ -4,7 +4,7 @@
 
 #include <unistd.h>
 
-#include "sample_card.h"
+#include "lib/sample_card.h"
 #include "support/jobs_support.h"
 
 using namespace jobtest;

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "raster_writer.h"
+#include "lib/raster_writer.h"
 #include "support/process.h"
 
 #if defined(BRELLIAN_LEAK_CHECK) && defined(BRELLIAN_LEAK_PRELOAD)

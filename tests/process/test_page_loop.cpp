@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "jobstream/records.h"
-#include "raster_writer.h"
+#include "lib/raster_writer.h"
 #include "support/process.h"
 #include "support/stream_types.h"
 

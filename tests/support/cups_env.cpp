@@ -84,7 +84,7 @@ std::string Cups_MakeServerBin(const std::string& dir) {
     Cups_Link(std::string(kSystemServerBin) + "/" + sub, sb + "/" + sub);
   Cups_Link(BRELLIAN_FILTER_PATH, sb + "/filter/rastertobrellian");
   for (const char* chain : {"pdftobrellian", "texttobrellian"})
-    Cups_Link(std::string(BRELLIAN_SOURCE_DIR) + "/ppd/" + chain, sb + "/filter/" + chain);
+    Cups_Link(std::string(BRELLIAN_SOURCE_DIR) + "/filters/" + chain, sb + "/filter/" + chain);
   std::string backend = sb + "/backend/capture";
   Test_WriteFile(backend, kCaptureBackend);
   chmod(backend.c_str(), 0755);

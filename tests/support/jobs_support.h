@@ -14,7 +14,7 @@
 #include "jobstream/records.h"
 #include "jobstream/stream_reader.h"
 #include "options/settings.h"
-#include "raster_writer.h"
+#include "lib/raster_writer.h"
 #include "status/tables.h"
 #include "support/process.h"
 #include "util/str.h"

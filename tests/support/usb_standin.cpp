@@ -59,4 +59,4 @@ TUsbStandIn Usb_MakeStandIn(const std::string& dir, const std::vector<std::strin
   return s;
 }
 
-std::string Usb_UsbbrPath() { return std::string(BRELLIAN_TOOLS_DIR) + "/usbbr"; }
+std::string Usb_UsbbrPath() { return std::string(BRELLIAN_BACKEND_DIR) + "/usbbr"; }

@@ -13,7 +13,7 @@
 
 #include "jobstream/stream_reader.h"
 #include "options/settings.h"
-#include "raster_writer.h"
+#include "lib/raster_writer.h"
 
 namespace warntest {
 

@@ -2,10 +2,10 @@
 // Copyright 2026 The rastertobrellian authors.
 #include <gtest/gtest.h>
 
-#include "job_text.h"
+#include "lib/job_text.h"
 #include "jobstream/stream_reader.h"
-#include "panel_png.h"
-#include "png_io.h"
+#include "lib/panel_png.h"
+#include "lib/png_io.h"
 #include "support/process.h"
 #include "support/stream_reader_builder.h"
 
@@ -42,9 +42,9 @@ const std::vector<std::string> SMALL_JOB_LISTING = {
 TEST(JobDumpText, ListingOfASmallJob) {
   TStreamCheck c;
   ASSERT_EQ(0, Stream_Read(SmallJob().bytes, &c)) << c.error;
-  EXPECT_EQ(SMALL_JOB_LISTING, Dump_Listing(c, false));
-  EXPECT_EQ("OK: complete job, 14 records, 2 panels", Dump_Verdict(c));
-  std::vector<std::string> chunks = Dump_Listing(c, true);
+  EXPECT_EQ(SMALL_JOB_LISTING, Inspect_Listing(c, false));
+  EXPECT_EQ("OK: complete job, 14 records, 2 panels", Inspect_Verdict(c));
+  std::vector<std::string> chunks = Inspect_Listing(c, true);
   ASSERT_EQ(14u, chunks.size());
   EXPECT_EQ("      1239  ICMD_IMAGE       24 bytes, 2 rows", chunks[5]);
   EXPECT_EQ("      1269  ICMD_IMAGE       12 bytes, 1 rows", chunks[6]);
@@ -65,32 +65,32 @@ TEST(JobDumpText, MagneticTracksAndCustomTables) {
   b.Record(ICMD_LUTTABLE, lut);
   TStreamCheck c;
   ASSERT_EQ(0, Stream_Read(b.bytes, &c)) << c.error;
-  EXPECT_EQ("track1=- track2=format=0x42 length=3 [10 01 FF] track3=-", Dump_Fields(c.records[2]));
-  EXPECT_EQ("custom red=255/127/0 green=255/127/0 blue=255/127/0 (entries 0/128/255)", Dump_Fields(c.records[4]));
+  EXPECT_EQ("track1=- track2=format=0x42 length=3 [10 01 FF] track3=-", Inspect_Fields(c.records[2]));
+  EXPECT_EQ("custom red=255/127/0 green=255/127/0 blue=255/127/0 (entries 0/128/255)", Inspect_Fields(c.records[4]));
   EXPECT_EQ("CUT: the stream stops before ICMD_ENDJOB with 5 records and 0 panels; still open: side 0",
-            Dump_Verdict(c));
+            Inspect_Verdict(c));
 }
 
 TEST(JobDumpText, VerdictOfAMalformedStream) {
   TStreamCheck c;
   std::string bytes = TStreamBuilder().StartJob(1).Record(12, {}).bytes;
   ASSERT_EQ(1, Stream_Read(bytes, &c));
-  EXPECT_EQ("ERROR at offset 411: unknown record type 12", Dump_Verdict(c));
-  EXPECT_EQ(1u, Dump_Listing(c, false).size());
+  EXPECT_EQ("ERROR at offset 411: unknown record type 12", Inspect_Verdict(c));
+  EXPECT_EQ(1u, Inspect_Listing(c, false).size());
 }
 
 TEST(JobDumpPanels, FileNamesAndPictures) {
   TStreamCheck c;
   ASSERT_EQ(0, Stream_Read(SmallJob().bytes, &c));
-  EXPECT_EQ("side0-panel0-color.png", Dump_PanelFileName(c.panels[0]));
-  EXPECT_EQ("side0-panel1-k.png", Dump_PanelFileName(c.panels[1]));
-  EXPECT_EQ(c.panels[0].pixels, Dump_PanelImage(c.panels[0]));
-  EXPECT_EQ(std::vector<uint8_t>({255, 0, 127, 254, 253, 252}), Dump_PanelImage(c.panels[1]));
+  EXPECT_EQ("side0-panel0-color.png", Inspect_PanelFileName(c.panels[0]));
+  EXPECT_EQ("side0-panel1-k.png", Inspect_PanelFileName(c.panels[1]));
+  EXPECT_EQ(c.panels[0].pixels, Inspect_PanelImage(c.panels[0]));
+  EXPECT_EQ(std::vector<uint8_t>({255, 0, 127, 254, 253, 252}), Inspect_PanelImage(c.panels[1]));
   TStreamPanel uv;
   uv.side = 1;
   uv.index = 2;
   uv.panelType = 2;
-  EXPECT_EQ("side1-panel2-uv.png", Dump_PanelFileName(uv));
+  EXPECT_EQ("side1-panel2-uv.png", Inspect_PanelFileName(uv));
   uv.panelType = 3;
-  EXPECT_EQ("side1-panel2-po.png", Dump_PanelFileName(uv));
+  EXPECT_EQ("side1-panel2-po.png", Inspect_PanelFileName(uv));
 }

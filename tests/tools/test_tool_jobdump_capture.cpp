@@ -2,8 +2,8 @@
 // Copyright 2026 The rastertobrellian authors.
 #include <gtest/gtest.h>
 
-#include "job_split.h"
-#include "png_io.h"
+#include "lib/job_split.h"
+#include "lib/png_io.h"
 #include "support/process.h"
 #include "support/stream_reader_builder.h"
 
@@ -45,7 +45,7 @@ class JobDumpCapture : public ::testing::Test {
 
 TEST(JobSplit, CutsOnlyWhereAStartJobFollowsAnEndJob) {
   std::string one = OneJob(1, 10).bytes, two = OneJob(2, 20).bytes;
-  std::vector<TJobSpan> spans = Dump_SplitJobs(one + two + one);
+  std::vector<TJobSpan> spans = Inspect_SplitJobs(one + two + one);
   ASSERT_EQ(3u, spans.size());
   EXPECT_EQ(0u, spans[0].offset);
   EXPECT_EQ(one.size(), spans[0].size);
@@ -54,14 +54,14 @@ TEST(JobSplit, CutsOnlyWhereAStartJobFollowsAnEndJob) {
   EXPECT_EQ(one.size() + two.size(), spans[2].offset);
   // A record after ICMD_ENDJOB that is not ICMD_STARTJOB stays in the job.
   std::string tail = one + TStreamBuilder().EndJob(1).bytes;
-  EXPECT_EQ(1u, Dump_SplitJobs(tail).size());
-  EXPECT_EQ(1u, Dump_SplitJobs("").size());
+  EXPECT_EQ(1u, Inspect_SplitJobs(tail).size());
+  EXPECT_EQ(1u, Inspect_SplitJobs("").size());
 }
 
 TEST(JobSplit, ReadsEachJobWithOffsetsInTheCaptureAndStopsAtAViolation) {
   std::string one = OneJob(1, 10).bytes;
   std::string broken = TStreamBuilder().StartJob(2).StartCard(2).EndJob(2).bytes;  // ENDJOB inside a card
-  std::vector<TStreamCheck> checks = Dump_ReadJobs(one + broken + one);
+  std::vector<TStreamCheck> checks = Inspect_ReadJobs(one + broken + one);
   ASSERT_EQ(2u, checks.size());
   EXPECT_TRUE(checks[0].complete);
   EXPECT_EQ(one.size(), checks[1].records[0].offset);

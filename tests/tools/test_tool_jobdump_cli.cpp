@@ -5,7 +5,7 @@
 #include <sys/stat.h>
 
 #include "jobstream/stream_reader.h"
-#include "png_io.h"
+#include "lib/png_io.h"
 #include "support/process.h"
 #include "support/stream_reader_builder.h"
 

@@ -11,7 +11,7 @@
 
 #include "brellian_paths.h"
 #include "options/settings.h"
-#include "png_io.h"
+#include "lib/png_io.h"
 #include "support/process.h"
 
 namespace {

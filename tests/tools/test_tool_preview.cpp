@@ -2,7 +2,7 @@
 // Copyright 2026 The rastertobrellian authors.
 #include <gtest/gtest.h>
 
-#include "png_io.h"
+#include "lib/png_io.h"
 #include "support/process.h"
 #include "support/stream_reader_builder.h"
 

@@ -2,8 +2,8 @@
 // Copyright 2026 The rastertobrellian authors.
 #include <gtest/gtest.h>
 
-#include "png_io.h"
-#include "raster_writer.h"
+#include "lib/png_io.h"
+#include "lib/raster_writer.h"
 #include "support/process.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "jobstream/records.h"
-#include "png_io.h"
+#include "lib/png_io.h"
 #include "support/process.h"
 #include "support/stream_reader_builder.h"
 

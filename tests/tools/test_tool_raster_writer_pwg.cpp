@@ -4,8 +4,8 @@
 
 #include <cstring>
 
-#include "raster_content.h"
-#include "raster_writer.h"
+#include "lib/raster_content.h"
+#include "lib/raster_writer.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 
 #include <cstring>
 
-#include "png_io.h"
-#include "raster_content.h"
-#include "raster_writer.h"
+#include "lib/png_io.h"
+#include "lib/raster_content.h"
+#include "lib/raster_writer.h"
 #include "support/process.h"
 
 namespace {

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "options/settings.h"
-#include "settings_keys.h"
-#include "settings_text.h"
+#include "lib/settings_keys.h"
+#include "lib/settings_text.h"
 #include "status/tables.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include "brellian_paths.h"
 #include "jobstream/stream_reader.h"
 #include "options/settings.h"
-#include "raster_writer.h"
+#include "lib/raster_writer.h"
 #include "support/process.h"
 
 namespace {

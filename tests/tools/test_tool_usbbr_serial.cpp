@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "backend_line.h"
+#include "backend/backend_line.h"
 #include "options/settings.h"
 #include "support/process.h"
 #include "support/usb_standin.h"
-#include "usbbr_device.h"
+#include "backend/usbbr_device.h"
 
 namespace {
 

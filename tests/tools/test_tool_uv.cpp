@@ -4,10 +4,10 @@
 
 #include "brellian_paths.h"
 #include "options/settings.h"
-#include "png_io.h"
+#include "lib/png_io.h"
 #include "status/tables.h"
 #include "support/process.h"
-#include "uv_image.h"
+#include "lib/uv_image.h"
 
 namespace {
 

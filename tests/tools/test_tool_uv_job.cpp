@@ -4,8 +4,8 @@
 
 #include "brellian_paths.h"
 #include "jobstream/stream_reader.h"
-#include "png_io.h"
-#include "raster_writer.h"
+#include "lib/png_io.h"
+#include "lib/raster_writer.h"
 #include "support/process.h"
 
 namespace {

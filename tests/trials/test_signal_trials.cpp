@@ -15,8 +15,8 @@
 #include <random>
 #include <string>
 
-#include "raster_writer.h"
-#include "sample_card.h"
+#include "lib/raster_writer.h"
+#include "lib/sample_card.h"
 #include "support/process.h"
 #include "support/signal_trial.h"
 

@@ -10,11 +10,11 @@
 #include <string>
 #include <vector>
 
-#include "job_split.h"
-#include "job_text.h"
+#include "lib/job_split.h"
+#include "lib/job_text.h"
 #include "jobstream/stream_reader.h"
-#include "panel_png.h"
-#include "tool_file.h"
+#include "lib/panel_png.h"
+#include "lib/tool_file.h"
 #include "util/safe_file.h"
 
 // Exit statuses.
@@ -57,9 +57,9 @@ static const struct option LONG_OPTIONS[] = {
     {nullptr, 0, nullptr, 0},
 };
 
-// 'Dump_ReadInput()' - The whole stream from path, or standard input for
+// 'Inspect_ReadInput()' - The whole stream from path, or standard input for
 // "" and "-".  False with a message on standard error.
-static bool Dump_ReadInput(const std::string& path, std::string* bytes) {
+static bool Inspect_ReadInput(const std::string& path, std::string* bytes) {
   errno = 0;
   bool ok = path.empty() || path == "-" ? Tool_ReadAll(stdin, DUMP_MAX_STREAM_BYTES, bytes)
                                         : File_ReadCapped(path.c_str(), DUMP_MAX_STREAM_BYTES, bytes) == 0;
@@ -69,9 +69,9 @@ static bool Dump_ReadInput(const std::string& path, std::string* bytes) {
   return ok;
 }
 
-// 'Dump_WritePanels()' - Write every panel that holds rows into dir and
+// 'Inspect_WritePanels()' - Write every panel that holds rows into dir and
 // list the files.  False when one cannot be written.
-static bool Dump_WritePanels(const std::string& dir, const TStreamCheck& check, const std::string& prefix,
+static bool Inspect_WritePanels(const std::string& dir, const TStreamCheck& check, const std::string& prefix,
                              bool quiet) {
   struct stat st;
   if (mkdir(dir.c_str(), 0755) != 0 && errno != EEXIST) {
@@ -85,7 +85,7 @@ static bool Dump_WritePanels(const std::string& dir, const TStreamCheck& check, 
   for (const TStreamPanel& panel : check.panels) {
     if (panel.rows == 0) continue;
     std::string path;
-    if (!Dump_WritePanelPng(dir, panel, &path, prefix)) {
+    if (!Inspect_WritePanelPng(dir, panel, &path, prefix)) {
       fprintf(stderr, "brellian-jobdump: cannot write %s\n", path.c_str());
       return false;
     }
@@ -115,23 +115,23 @@ int main(int argc, char** argv) {
     return DUMP_FAILED;
   }
   std::string bytes;
-  if (!Dump_ReadInput(optind < argc ? argv[optind] : "", &bytes)) return DUMP_FAILED;
+  if (!Inspect_ReadInput(optind < argc ? argv[optind] : "", &bytes)) return DUMP_FAILED;
 
-  std::vector<TJobSpan> spans = Dump_SplitJobs(bytes);
-  std::vector<TStreamCheck> checks = Dump_ReadJobs(bytes);
+  std::vector<TJobSpan> spans = Inspect_SplitJobs(bytes);
+  std::vector<TStreamCheck> checks = Inspect_ReadJobs(bytes);
   const bool several = spans.size() > 1;
   for (size_t j = 0; j < checks.size(); ++j) {
     const TStreamCheck& check = checks[j];
     if (several)
       printf("JOB %zu of %zu at offset %zu, %zu bytes\n", j + 1, spans.size(), spans[j].offset, spans[j].size);
     if (!quiet)
-      for (const std::string& line : Dump_Listing(check, eachChunk)) puts(line.c_str());
-    std::string verdict = Dump_Verdict(check);
+      for (const std::string& line : Inspect_Listing(check, eachChunk)) puts(line.c_str());
+    std::string verdict = Inspect_Verdict(check);
     puts(verdict.c_str());
     if (!check.ok) fprintf(stderr, "brellian-jobdump: %s\n", verdict.c_str());
     fflush(stdout);
     std::string prefix = several ? "job" + std::to_string(j + 1) + "-" : "";
-    if (!pngDir.empty() && !Dump_WritePanels(pngDir, check, prefix, quiet)) return DUMP_FAILED;
+    if (!pngDir.empty() && !Inspect_WritePanels(pngDir, check, prefix, quiet)) return DUMP_FAILED;
   }
   if (checks.size() < spans.size())
     printf("NOT READ: jobs %zu to %zu, after the violation\n", checks.size() + 1, spans.size());

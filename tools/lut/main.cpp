@@ -9,11 +9,11 @@
 #include <cstring>
 #include <string>
 
-#include "atomic_file.h"
+#include "lib/atomic_file.h"
 #include "brellian_paths.h"
 #include "options/lut_format.h"
-#include "tool_file.h"
-#include "tool_model.h"
+#include "lib/tool_file.h"
+#include "lib/tool_model.h"
 #include "util/safe_file.h"
 
 // Exit statuses.

@@ -9,14 +9,14 @@
 #include <string>
 #include <vector>
 
-#include "card_preview.h"
-#include "job_split.h"
-#include "job_text.h"
+#include "lib/card_preview.h"
+#include "lib/job_split.h"
+#include "lib/job_text.h"
 #include "jobstream/stream_reader.h"
-#include "panel_png.h"
-#include "png_io.h"
-#include "tool_file.h"
-#include "tool_model.h"
+#include "lib/panel_png.h"
+#include "lib/png_io.h"
+#include "lib/tool_file.h"
+#include "lib/tool_model.h"
 #include "util/safe_file.h"
 
 // Exit statuses, as brellian-jobdump's.
@@ -89,7 +89,7 @@ static bool Preview_Write(const std::string& dir, const TStreamCheck& check, con
   for (const TStreamPanel& panel : check.panels) {
     if (!panels || panel.rows == 0) continue;
     std::string path;
-    if (!Dump_WritePanelPng(dir, panel, &path, prefix)) {
+    if (!Inspect_WritePanelPng(dir, panel, &path, prefix)) {
       Preview_Fail("cannot write " + path);
       return false;
     }
@@ -132,11 +132,11 @@ int main(int argc, char** argv) {
   if (mkdir(dir.c_str(), 0755) != 0 && errno != EEXIST) return Preview_Fail("cannot create " + dir + ": " + strerror(errno));
   if (lstat(dir.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) return Preview_Fail(dir + " is not a directory");
 
-  std::vector<TStreamCheck> checks = Dump_ReadJobs(bytes);
-  const bool several = Dump_SplitJobs(bytes).size() > 1;
+  std::vector<TStreamCheck> checks = Inspect_ReadJobs(bytes);
+  const bool several = Inspect_SplitJobs(bytes).size() > 1;
   for (size_t j = 0; j < checks.size(); ++j) {
     const TStreamCheck& check = checks[j];
-    std::string verdict = (several ? "job " + std::to_string(j + 1) + ": " : std::string()) + Dump_Verdict(check);
+    std::string verdict = (several ? "job " + std::to_string(j + 1) + ": " : std::string()) + Inspect_Verdict(check);
     if (!check.ok) fprintf(stderr, "brellian-preview: %s\n", verdict.c_str());
     else if (!quiet) puts(verdict.c_str());
     std::string prefix = several ? "job" + std::to_string(j + 1) + "-" : "";

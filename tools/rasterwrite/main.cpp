@@ -10,10 +10,10 @@
 #include <string>
 #include <vector>
 
-#include "png_io.h"
-#include "raster_content.h"
-#include "raster_writer.h"
-#include "tool_file.h"
+#include "lib/png_io.h"
+#include "lib/raster_content.h"
+#include "lib/raster_writer.h"
+#include "lib/tool_file.h"
 
 static const char USAGE[] =
     "Usage: brellian-rasterwrite [options] PAGE...\n"

@@ -5,8 +5,8 @@
 #include <cstring>
 #include <string>
 
-#include "raster_writer.h"
-#include "sample_card.h"
+#include "lib/raster_writer.h"
+#include "lib/sample_card.h"
 #include "util/safe_file.h"
 
 static int Usage(FILE* f) {

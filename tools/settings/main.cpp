@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "brellian_paths.h"
-#include "settings_keys.h"
-#include "settings_text.h"
-#include "tool_file.h"
-#include "tool_model.h"
+#include "lib/settings_keys.h"
+#include "lib/settings_text.h"
+#include "lib/tool_file.h"
+#include "lib/tool_model.h"
 #include "util/safe_file.h"
 
 // Exit statuses.

@@ -8,13 +8,13 @@
 #include <cstring>
 #include <string>
 
-#include "atomic_file.h"
+#include "lib/atomic_file.h"
 #include "brellian_paths.h"
 #include "imaging/panel.h"
-#include "settings_keys.h"
-#include "tool_model.h"
+#include "lib/settings_keys.h"
+#include "lib/tool_model.h"
 #include "util/safe_file.h"
-#include "uv_image.h"
+#include "lib/uv_image.h"
 
 // Exit statuses.
 constexpr int UV_OK = 0;
