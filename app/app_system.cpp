@@ -17,6 +17,7 @@
 #include "app/pappl_driver.h"
 #include "app/vendor_table.h"
 #include "app/web_pages.h"
+#include "app/web_security.h"
 
 namespace {
 
@@ -88,7 +89,10 @@ pappl_loglevel_t App_LogLevel(const char* v) {
 
 // 'App_ServerOptions()' - The server-options list.
 pappl_soptions_t App_ServerOptions(const char* v) {
-  pappl_soptions_t o = PAPPL_SOPTIONS_MULTI_QUEUE | PAPPL_SOPTIONS_WEB_INTERFACE;
+  // The Security page (web password) and the log page are on by default:
+  // both need a local or signed-in administrator (app/web_security.h).
+  pappl_soptions_t o = PAPPL_SOPTIONS_MULTI_QUEUE | PAPPL_SOPTIONS_WEB_INTERFACE | PAPPL_SOPTIONS_WEB_SECURITY |
+                       PAPPL_SOPTIONS_WEB_LOG;
   if (!v) return o;
   std::string list = v;
   size_t pos = 0;
@@ -152,6 +156,7 @@ pappl_system_t* App_SystemCallback(int num_options, cups_option_t* options, void
       cupsGetOption("log-file", num_options, options), App_LogLevel(cupsGetOption("log-level", num_options, options)),
       authService, false);
   if (!system) return nullptr;
+  Web_InstallSecurity(system, authService);
   const char* listen = cupsGetOption("listen-hostname", num_options, options);
   papplSystemAddListeners(system, listen);
   if (const char* host = cupsGetOption("server-hostname", num_options, options)) papplSystemSetHostName(system, host);

@@ -101,6 +101,21 @@ bool JobOpt_ParseAreas(const std::string& text, int side, std::map<std::string, 
   return true;
 }
 
+// 'JobOpt_CheckAreas()' - Parse each custom-areas text once.
+bool JobOpt_CheckAreas(const TCardValues& values, std::string* error) {
+  for (int side = 0; side < 2; ++side) {
+    std::string name = side == 0 ? "brellian-front-custom-areas" : "brellian-back-custom-areas";
+    auto it = values.find(name);
+    std::map<std::string, std::string> areas;
+    std::string why;
+    if (it != values.end() && !JobOpt_ParseAreas(it->second, side, &areas, &why)) {
+      *error = name + " cannot be used: " + why + " (at most 5 areas in each group)";
+      return false;
+    }
+  }
+  return true;
+}
+
 // 'JobOpt_FilterOptions()' - Installed options first, then the card options.
 std::string JobOpt_FilterOptions(const TAccessories& acc, const TCardValues& values) {
   auto inst = [](bool on) { return on ? "Installed" : "NotInstalled"; };

@@ -38,3 +38,8 @@ int JobOpt_PagesPerSide(const TCardValues& values, int side);
 // unknown group name).
 bool JobOpt_ParseAreas(const std::string& text, int side, std::map<std::string, std::string>* out,
                        std::string* error);
+
+// 'JobOpt_CheckAreas()' - Every custom-areas text of values can be used
+// by the filter; false with *error naming the attribute and the reason
+// (JobOpt_FilterOptions() would leave such a text out).
+bool JobOpt_CheckAreas(const TCardValues& values, std::string* error);

@@ -2,8 +2,11 @@
 // Copyright 2026 The rastertobrellian authors.
 #include "app/presets_store.h"
 
+#include <dirent.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <mutex>
 #include <vector>
@@ -38,7 +41,59 @@ bool Presets_SetAndSave(TBrellianSettings* settings, const TSettingsKey& key, co
   return Tool_SaveSettingsFile(settings->FilePath(), *settings, error);
 }
 
+// 'Presets_ListDir()' - Regular, not hidden files of dir ending in suffix,
+// without the suffix, sorted.
+std::vector<std::string> Presets_ListDir(const std::string& dir, const std::string& suffix) {
+  std::vector<std::string> names;
+  DIR* d = opendir(dir.c_str());
+  if (!d) return names;
+  while (struct dirent* e = readdir(d)) {
+    std::string n = e->d_name;
+    if (n.empty() || n[0] == '.' || n.size() <= suffix.size() ||
+        n.compare(n.size() - suffix.size(), suffix.size(), suffix) != 0)
+      continue;
+    struct stat st;
+    if (fstatat(dirfd(d), e->d_name, &st, AT_SYMLINK_NOFOLLOW) != 0 || !S_ISREG(st.st_mode)) continue;
+    names.push_back(n.substr(0, n.size() - suffix.size()));
+  }
+  closedir(d);
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
 }  // namespace
+
+// 'Presets_ListUv()' - Every file of the uv folder.
+std::vector<std::string> Presets_ListUv() { return Presets_ListDir(BRELLIAN_CONF_DIR "/uv", ""); }
+
+// 'Presets_ListLut()' - Every NAME.csv of the lut folder.
+std::vector<std::string> Presets_ListLut() { return Presets_ListDir(BRELLIAN_LUT_DIR, ".csv"); }
+
+// 'Presets_CheckName()' - Plain and short enough.
+bool Presets_CheckName(const std::string& name, std::string* error) {
+  if (name.size() > PRESETS_MAX_NAME)
+    return *error = "The name is " + std::to_string(name.size()) + " bytes long; at most " +
+                    std::to_string(PRESETS_MAX_NAME) + " bytes are allowed.",
+           false;
+  if (!File_IsSafeName(name.c_str()))
+    return *error = "\"" + name + "\" is not a plain file name (no \"/\", no leading \".\", no control characters).",
+           false;
+  return true;
+}
+
+// 'Presets_UvPreviewPng()' - Installed file, panel size of the model.
+bool Presets_UvPreviewPng(const std::string& name, uint32_t model, std::string* png, std::string* error) {
+  std::vector<std::string> names = Presets_ListUv();
+  if (!File_IsSafeName(name.c_str()) || std::find(names.begin(), names.end(), name) == names.end())
+    return *error = "No UV file of that name is installed.", false;
+  TPanelGeometry g = g_panelGeometry[model];
+  size_t size = static_cast<size_t>(g.width) * g.height;
+  std::string raw;
+  if (File_ReadCapped((std::string(BRELLIAN_CONF_DIR "/uv/") + name).c_str(), size, &raw) != 0 || raw.size() != size)
+    return *error = "The UV file is not of this model's panel size.", false;
+  std::vector<uint8_t> gray = Uv_ToGray(reinterpret_cast<const uint8_t*>(raw.data()), raw.size());
+  return Png_EncodeGray(g.width, g.height, gray.data(), png) || (*error = "The preview could not be made.", false);
+}
 
 // 'Presets_Load()' - Read through the tools' loader.
 bool Presets_Load(const std::string& serial, TBrellianSettings* settings, std::string* error) {
@@ -65,7 +120,7 @@ bool Presets_InstallUv(const std::string& serial, uint32_t model, int preset, co
                        const std::string& fit, const std::string& png, std::string* error) {
   TUvFit how;
   if (preset < 1 || preset > 5) return *error = "The UV preset must be 1 to 5.", false;
-  if (!File_IsSafeName(name.c_str())) return *error = "\"" + name + "\" is not a plain file name.", false;
+  if (!Presets_CheckName(name, error)) return false;
   if (!Uv_ParseFit(fit, &how)) return *error = "Unknown fit \"" + fit + "\".", false;
   TPngImage rgb;
   if (!Png_DecodeRGB(png, &rgb, error)) return *error = "Not a usable PNG picture: " + *error, false;
@@ -76,6 +131,11 @@ bool Presets_InstallUv(const std::string& serial, uint32_t model, int preset, co
   Presets_Dirs();
   TBrellianSettings settings;
   if (!Presets_Load(serial, &settings, error)) return false;
+  std::vector<std::string> installed = Presets_ListUv();
+  if (installed.size() >= PRESETS_MAX_UV_FILES && std::find(installed.begin(), installed.end(), name) == installed.end())
+    return *error = "There are already " + std::to_string(installed.size()) + " UV files (at most " +
+                    std::to_string(PRESETS_MAX_UV_FILES) + "): upload under the name of an installed file to replace it, or have an administrator remove one on the server.",
+           false;
   std::string path = std::string(BRELLIAN_CONF_DIR "/uv/") + name;
   if (!Tool_ReplaceFile(path, std::string(panel.begin(), panel.end()), 0644, error)) return false;
   return Presets_SetAndSave(&settings, TSettingsKey{SETKEY_UV_NAME, 0, 0, preset - 1}, name, error);
@@ -85,7 +145,8 @@ bool Presets_InstallUv(const std::string& serial, uint32_t model, int preset, co
 bool Presets_InstallLut(const std::string& serial, int table, const std::string& name, const std::string& bytes,
                         std::string* error) {
   if (table < 1 || table > 3) return *error = "The colour table must be 1 to 3.", false;
-  if (!File_IsSafeName(name.c_str()) || name.find('.') != std::string::npos)
+  if (!Presets_CheckName(name, error)) return false;
+  if (name.find('.') != std::string::npos)
     return *error = "\"" + name + "\" is not a plain name (letters, digits, no \".\" or \"/\").", false;
   uint8_t table3[3][LUT_ENTRIES];
   TLutError lutError{0, ""};

@@ -89,6 +89,16 @@ bool RasterJob_StartJob(pappl_job_t* job, pappl_pr_options_t* options, pappl_dev
   ippDelete(attrs);
   if (!refused.empty())
     papplLogJob(job, PAPPL_LOGLEVEL_WARN, "Values not offered by this printer, defaults used: %s", refused.c_str());
+  std::string areasError;
+  if (!JobOpt_CheckAreas(rj->values, &areasError)) {
+    // A card without the areas asked for would be a wrong card: the job
+    // is not printed, and says why.
+    papplLogJob(job, PAPPL_LOGLEVEL_ERROR, "%s", areasError.c_str());
+    papplJobSetReasons(job, PAPPL_JREASON_ERRORS_DETECTED, PAPPL_JREASON_NONE);
+    papplJobSetMessage(job, "Not printed: %s.", areasError.c_str());
+    delete rj;
+    return false;
+  }
   std::string opts = JobOpt_FilterOptions(rj->acc, rj->values);
   const char* user = papplJobGetUsername(job);
   const char* title = papplJobGetName(job);

@@ -49,16 +49,21 @@ bool Web_DevicePage(pappl_client_t* client, void* data) {
   pappl_printer_t* printer = static_cast<pappl_printer_t*>(data);
   const TAppModel* model = App_FindModel(papplPrinterGetDriverName(printer));
   if (!model || !papplClientHTMLAuthorize(client)) return false;
+  // Decided before the body is read: the request's header fields are gone
+  // once PAPPL has read the form.
+  bool mayChange = Web_MayChange(client);
+  std::string token = Web_SessionToken(client);
   TAccessories acc = Acc_Load(printer, *model);
   std::string message;
   bool error = false;
   if (papplClientGetMethod(client) == HTTP_STATE_POST) {
     cups_option_t* form = nullptr;
     int num_form = papplClientGetForm(client, &form);
-    if (!Web_MayChange(client)) {
+    if (!mayChange) {
       message = "Settings can be changed only from this machine, or by a signed-in administrator.";
       error = true;
-    } else if (!papplClientIsValidForm(client, num_form, form)) {
+    } else if (!papplClientIsValidForm(client, num_form, form) || token.empty() ||
+               Web_FormValue(num_form, form, "brellian-token") != token) {
       message = "Invalid form data (the form token is missing or out of date): nothing was changed.";
       error = true;
     } else if (!Device_Save(num_form, form, *model, &acc, &message)) {
@@ -74,11 +79,9 @@ bool Web_DevicePage(pappl_client_t* client, void* data) {
   }
   papplClientHTMLPrinterHeader(client, printer, "Device settings", 0, nullptr, nullptr);
   if (!message.empty()) Web_Message(client, message, error);
-  if (!Web_MayChange(client))
-    Web_Message(client, "Read only: settings can be changed only from this machine.", false);
   char path[256];
   papplPrinterGetPath(printer, "device", path, sizeof(path));
-  papplClientHTMLStartForm(client, path, false);
+  Web_StartForm(client, path, false, token);
   papplClientHTMLPuts(client, "<table class=\"form\">\n<tr><th><label for=\"ribbon-type\">Ribbon:</label></th><td>"
                               "<select id=\"ribbon-type\" name=\"ribbon-type\">");
   for (const char* r : g_ribbonTypes)

@@ -13,3 +13,4 @@ void Web_AddPrinterPages(pappl_printer_t* printer);
 // The page handlers (resource callbacks, data is the printer).
 bool Web_DevicePage(pappl_client_t* client, void* data);
 bool Web_PresetsPage(pappl_client_t* client, void* data);
+bool Web_UvPreview(pappl_client_t* client, void* data);

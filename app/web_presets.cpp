@@ -1,4 +1,4 @@
-// The "Card presets" page of a printer: areas, card settings, UV images and colour tables.
+// The "Card presets" page of a printer: the request, its checks and the changes it makes.
 // Copyright 2026 The rastertobrellian authors.
 #include <map>
 #include <string>
@@ -6,141 +6,76 @@
 #include "app/accessories.h"
 #include "options/lut_file.h"
 #include "app/presets_store.h"
-#include "lib/settings_keys.h"
 #include "app/web_access.h"
 #include "app/web_pages.h"
+#include "app/web_presets_forms.h"
 #include "app/web_upload.h"
 
 namespace {
 
-// 'Web_PresetInput()' - One text input of a settings key.
-void Web_PresetInput(pappl_client_t* client, const TBrellianSettings& s, const TSettingsKey& key, int size) {
-  std::string name = Settings_KeyName(key);
-  papplClientHTMLPrintf(client, "<input type=\"text\" name=\"%s\" id=\"%s\" value=\"%s\" size=\"%d\">", name.c_str(),
-                        name.c_str(), Settings_GetValue(s, key).c_str(), size);
-}
-
-// 'Web_PresetAreaTable()' - Ten presets of one kind, three areas per group.
-void Web_PresetAreaTable(pappl_client_t* client, const TBrellianSettings& s, TSettingsKind kind, const char* title,
-                       const char* group0, const char* group1) {
-  papplClientHTMLPrintf(client,
-                        "<h3>%s</h3>\n<table class=\"list\"><tr><th>Preset</th><th colspan=\"3\">%s</th>"
-                        "<th colspan=\"3\">%s</th></tr>\n",
-                        title, group0, group1);
-  for (int p = 0; p < 10; ++p) {
-    papplClientHTMLPrintf(client, "<tr><td>%d</td>", p + 1);
-    for (int g = 0; g < 2; ++g)
-      for (int k = 0; k < 3; ++k) {
-        papplClientHTMLPuts(client, "<td>");
-        Web_PresetInput(client, s, TSettingsKey{kind, p, g, k}, 16);
-        papplClientHTMLPuts(client, "</td>");
-      }
-    papplClientHTMLPuts(client, "</tr>\n");
+// 'Web_PresetUpload()' - Carry out the "uv" or "lut" form; *installed gets
+// the UV name installed, for its preview.
+bool Web_PresetUpload(const TMultipartForm& mp, int num_form, cups_option_t* form, const std::string& action,
+                    const TAppModel& model, const std::string& serial, std::string* message, std::string* installed) {
+  bool uv = action == "uv";
+  std::string name = Web_FormValue(num_form, form, uv ? "uv-name" : "lut-name");
+  int number = 0;
+  if (!Web_ParseNumber(Web_FormValue(num_form, form, uv ? "uv-preset" : "lut-table"), 1, uv ? 5 : 3, &number)) {
+    *message = uv ? "The UV preset must be a number from 1 to 5." : "The colour table must be a number from 1 to 3.";
+    return false;
   }
-  papplClientHTMLPuts(client, "</table>\n");
-}
-
-// 'Web_PresetRow()' - One labelled key in the form table.
-void Web_PresetRow(pappl_client_t* client, const TBrellianSettings& s, const TSettingsKey& key, const char* label,
-                 const char* hint) {
-  papplClientHTMLPrintf(client, "<tr><th><label for=\"%s\">%s:</label></th><td>", Settings_KeyName(key).c_str(), label);
-  Web_PresetInput(client, s, key, 24);
-  papplClientHTMLPrintf(client, " <small>%s</small></td></tr>\n", hint);
-}
-
-// 'Web_PresetForms()' - The three forms of the page.
-void Web_PresetForms(pappl_client_t* client, const char* path, const TBrellianSettings& s) {
-  papplClientHTMLStartForm(client, path, false);
-  papplClientHTMLPuts(client, "<input type=\"hidden\" name=\"action\" value=\"settings\">\n");
-  papplClientHTMLPuts(client, "<p><small>Areas are \"LEFT TOP WIDTH HEIGHT\" with a unit each (px, mm, cm, in), "
-                              "e.g. \"5mm 5mm 40mm 20mm\".</small></p>\n");
-  Web_PresetAreaTable(client, s, SETKEY_RESIN_AREA, "Resin black areas", "Resin", "No resin");
-  Web_PresetAreaTable(client, s, SETKEY_PO_AREA, "Overlay areas", "Overlay off (peel-off)", "Overlay kept");
-  papplClientHTMLPuts(client, "<h3>Card settings</h3>\n<table class=\"form\">\n");
-  Web_PresetRow(client, s, TSettingsKey{SETKEY_PLUGIN, 0, 0, 0}, "Plug-in", "used when a job says \"printer setting\"");
-  Web_PresetRow(client, s, TSettingsKey{SETKEY_CARD_THICKNESS, 0, 0, 0}, "Card thickness", "unset, standard or thin");
-  Web_PresetRow(client, s, TSettingsKey{SETKEY_MAG_PO_MODE, 0, 0, 0}, "Overlay over the stripe",
-              "unset, disabled or enabled");
-  for (int i = 0; i < 3; ++i)
-    Web_PresetRow(client, s, TSettingsKey{SETKEY_LUT_NAME, 0, 0, i}, ("Colour table " + std::to_string(i + 1)).c_str(),
-                "name of a table in the lut folder");
-  for (int i = 0; i < 5; ++i)
-    Web_PresetRow(client, s, TSettingsKey{SETKEY_UV_NAME, 0, 0, i}, ("UV preset " + std::to_string(i + 1)).c_str(),
-                "name of a file in the uv folder");
-  papplClientHTMLPuts(client, "<tr><th></th><td><input type=\"submit\" id=\"save-settings\" value=\"Save presets\">"
-                              "</td></tr>\n</table></form>\n");
-
-  papplClientHTMLPuts(client, "<h3>Upload a UV image</h3>\n");
-  papplClientHTMLStartForm(client, path, true);
-  papplClientHTMLPuts(client,
-                      "<input type=\"hidden\" name=\"action\" value=\"uv\">\n<table class=\"form\">\n"
-                      "<tr><th><label for=\"uv-preset\">Preset:</label></th><td><select name=\"uv-preset\" "
-                      "id=\"uv-preset\"><option>1</option><option>2</option><option>3</option><option>4</option>"
-                      "<option>5</option></select></td></tr>\n"
-                      "<tr><th><label for=\"uv-name\">File name:</label></th><td><input type=\"text\" name=\"uv-name\" "
-                      "id=\"uv-name\" value=\"\" size=\"24\"></td></tr>\n"
-                      "<tr><th><label for=\"uv-fit\">Other sizes:</label></th><td><select name=\"uv-fit\" "
-                      "id=\"uv-fit\"><option value=\"fit\">fit, keeping the aspect ratio</option><option "
-                      "value=\"stretch\">stretch</option><option value=\"exact\">refuse</option></select></td></tr>\n"
-                      "<tr><th><label for=\"uv-file\">PNG picture:</label></th><td><input type=\"file\" "
-                      "name=\"uv-file\" id=\"uv-file\" accept=\"image/png\"> <small>black prints UV, white "
-                      "none</small></td></tr>\n"
-                      "<tr><th></th><td><input type=\"submit\" id=\"upload-uv\" value=\"Upload UV image\"></td></tr>\n"
-                      "</table></form>\n");
-
-  papplClientHTMLPuts(client, "<h3>Upload a colour table</h3>\n");
-  papplClientHTMLStartForm(client, path, true);
-  papplClientHTMLPuts(client,
-                      "<input type=\"hidden\" name=\"action\" value=\"lut\">\n<table class=\"form\">\n"
-                      "<tr><th><label for=\"lut-table\">Table:</label></th><td><select name=\"lut-table\" "
-                      "id=\"lut-table\"><option>1</option><option>2</option><option>3</option></select></td></tr>\n"
-                      "<tr><th><label for=\"lut-name\">Name:</label></th><td><input type=\"text\" name=\"lut-name\" "
-                      "id=\"lut-name\" value=\"\" size=\"24\"></td></tr>\n"
-                      "<tr><th><label for=\"lut-file\">CSV file:</label></th><td><input type=\"file\" "
-                      "name=\"lut-file\" id=\"lut-file\" accept=\".csv,text/csv\"> <small>a header "
-                      "\"level,red,green,blue\" and 256 rows \"i,r,g,b\"</small></td></tr>\n"
-                      "<tr><th></th><td><input type=\"submit\" id=\"upload-lut\" value=\"Upload colour table\"></td>"
-                      "</tr>\n</table></form>\n");
+  // The name is checked before the upload is read, so that a bad name is
+  // told at once and never reaches a file name.
+  if (!Presets_CheckName(name, message)) return false;
+  std::string bytes;
+  // The file comes only from a file part of this request's body (never
+  // from a path a client typed).
+  if (!Web_UploadFile(mp, uv ? "uv-file" : "lut-file", uv ? PRESETS_MAX_PNG_BYTES : LUT_FILE_MAX, &bytes, message))
+    return false;
+  if (uv) {
+    if (!Presets_InstallUv(serial, model.id, number, name, Web_FormValue(num_form, form, "uv-fit"), bytes, message))
+      return false;
+    *message = "UV image \"" + name + "\" installed as UV preset " + std::to_string(number) + ".";
+    *installed = name;
+    return true;
+  }
+  if (!Presets_InstallLut(serial, number, name, bytes, message)) return false;
+  *message = "Colour table \"" + name + "\" installed as table " + std::to_string(number) + ".";
+  return true;
 }
 
 // 'Web_PresetPost()' - Carry out one form; the message for the page.
-bool Web_PresetPost(pappl_client_t* client, const TAppModel& model, const std::string& serial, std::string* message) {
-  cups_option_t* form = nullptr;
-  int num_form = papplClientGetForm(client, &form);
+bool Web_PresetPost(pappl_client_t* client, bool mayChange, const std::string& token, const TAppModel& model,
+                  const std::string& serial, std::string* message, std::string* installed) {
+  TMultipartForm mp;
+  Web_UploadReadForm(client, PRESETS_MAX_PNG_BYTES, &mp);
+  int num_form = mp.numFields;
+  cups_option_t* form = mp.fields;
   bool ok = false;
   std::string action = Web_FormValue(num_form, form, "action");
-  if (!Web_MayChange(client)) {
+  if (!mayChange) {
     *message = "Presets can be changed only from this machine, or by a signed-in administrator: nothing was changed.";
-  } else if (!papplClientIsValidForm(client, num_form, form)) {
+  } else if (mp.tooLarge && num_form == 0) {
+    // The whole body was over the limit and dropped, token included.
+    *message = "The upload is larger than the limit of " + Web_UploadLimit(PRESETS_MAX_PNG_BYTES) +
+               ": nothing was changed.";
+  } else if (!papplClientIsValidForm(client, num_form, form) || token.empty() ||
+             Web_FormValue(num_form, form, "brellian-token") != token) {
     *message = "Invalid form data (the form token is missing or out of date): nothing was changed.";
+  } else if (serial.empty()) {
+    *message = "This printer has no serial number yet: set it on the Device settings page.";
   } else if (action == "settings") {
     std::map<std::string, std::string> values;
     for (int i = 0; i < num_form; ++i) values[form[i].name] = form[i].value;
     ok = Presets_ApplyValues(serial, values, message);
     if (ok) *message = "Presets saved.";
   } else if (action == "uv" || action == "lut") {
-    // The file comes only from a real upload of this request (never from
-    // a path a client typed); PAPPL removes it when the request ends.
-    std::string value = Web_FormValue(num_form, form, action == "uv" ? "uv-file" : "lut-file");
-    std::string name = Web_FormValue(num_form, form, action == "uv" ? "uv-name" : "lut-name");
-    std::string bytes;
-    if (!Upload_Read(client, value, action == "uv" ? PRESETS_MAX_PNG_BYTES : LUT_FILE_MAX, &bytes, message)) {
-      if (message->find("No file was uploaded") != std::string::npos)
-        *message = "No file was uploaded: nothing was changed.";
-    } else if (action == "uv") {
-      int preset = atoi(Web_FormValue(num_form, form, "uv-preset").c_str());
-      ok = Presets_InstallUv(serial, model.id, preset, name, Web_FormValue(num_form, form, "uv-fit"), bytes, message);
-      if (ok) *message = "UV image \"" + name + "\" installed as UV preset " + std::to_string(preset) + ".";
-    } else {
-      int table = atoi(Web_FormValue(num_form, form, "lut-table").c_str());
-      ok = Presets_InstallLut(serial, table, name, bytes, message);
-      if (ok) *message = "Colour table \"" + name + "\" installed as table " + std::to_string(table) + ".";
-    }
+    ok = Web_PresetUpload(mp, num_form, form, action, model, serial, message, installed);
   } else {
     *message = "Unknown form.";
   }
   if (!ok && message->find("nothing was changed") == std::string::npos) *message += " Nothing was changed.";
-  cupsFreeOptions(num_form, form);
+  Web_MultipartFree(&mp);
   return ok;
 }
 
@@ -151,35 +86,56 @@ bool Web_PresetsPage(pappl_client_t* client, void* data) {
   pappl_printer_t* printer = static_cast<pappl_printer_t*>(data);
   const TAppModel* model = App_FindModel(papplPrinterGetDriverName(printer));
   if (!model || !papplClientHTMLAuthorize(client)) return false;
+  // Decided before the body is read: the request's header fields are gone
+  // once PAPPL has read the form.
+  bool mayChange = Web_MayChange(client);
+  std::string token = Web_SessionToken(client);
   TAccessories acc = Acc_Load(printer, *model);
-  std::string message;
+  std::string message, installed;
   bool ok = true;
-  if (papplClientGetMethod(client) == HTTP_STATE_POST) {
-    if (acc.serial.empty()) {
-      cups_option_t* form = nullptr;
-      cupsFreeOptions(papplClientGetForm(client, &form), form);
-      message = "This printer has no serial number yet: set it on the Device settings page.";
-      ok = false;
-    } else {
-      ok = Web_PresetPost(client, *model, acc.serial, &message);
-    }
-  }
+  if (papplClientGetMethod(client) == HTTP_STATE_POST)
+    ok = Web_PresetPost(client, mayChange, token, *model, acc.serial, &message, &installed);
+  char path[256], preview[256];
+  papplPrinterGetPath(printer, "presets", path, sizeof(path));
+  papplPrinterGetPath(printer, "uv-preview", preview, sizeof(preview));
   papplClientHTMLPrinterHeader(client, printer, "Card presets", 0, nullptr, nullptr);
   if (!message.empty()) Web_Message(client, message, !ok);
-  if (!Web_MayChange(client)) Web_Message(client, "Read only: presets can be changed only from this machine.", false);
+  if (!installed.empty()) {
+    papplClientHTMLPuts(client, "<p id=\"uv-installed\">");
+    Web_PresetPreviewImage(client, preview, installed);
+    papplClientHTMLPuts(client, "</p>\n");
+  }
   TBrellianSettings settings;
   std::string error;
   if (acc.serial.empty()) {
     Web_Message(client, "Set the printer's serial number on the Device settings page: it selects its presets.", false);
   } else if (!Presets_Load(acc.serial, &settings, &error)) {
-    Web_Message(client, error, true);
+    Web_Message(client, "The presets of this printer cannot be read; see the log for the reason.", true);
+    papplLogPrinter(printer, PAPPL_LOGLEVEL_ERROR, "Presets of %s: %s", acc.serial.c_str(), error.c_str());
   } else {
-    papplClientHTMLPrintf(client, "<p>Presets of serial number %s, kept in %s.</p>\n", acc.serial.c_str(),
-                          settings.FilePath().c_str());
-    char path[256];
-    papplPrinterGetPath(printer, "presets", path, sizeof(path));
-    Web_PresetForms(client, path, settings);
+    papplClientHTMLPuts(client, "<p>Presets of serial number ");
+    papplClientHTMLEscape(client, acc.serial.c_str(), 0);
+    papplClientHTMLPuts(client, ". The filter and the command-line preset tools use the same presets.</p>\n");
+    Web_PresetForms(client, path, preview, settings, token);
   }
   papplClientHTMLPrinterFooter(client);
   return true;
+}
+
+// 'Web_UvPreview()' - A PNG picture of one installed UV file of this
+// printer's model: GET .../uv-preview?name=NAME.
+bool Web_UvPreview(pappl_client_t* client, void* data) {
+  pappl_printer_t* printer = static_cast<pappl_printer_t*>(data);
+  const TAppModel* model = App_FindModel(papplPrinterGetDriverName(printer));
+  if (!model) return false;
+  http_status_t access = papplClientIsAuthorized(client);
+  if (access != HTTP_STATUS_CONTINUE) return papplClientRespond(client, access, nullptr, nullptr, 0, 0);
+  cups_option_t* query = nullptr;
+  int num_query = papplClientGetForm(client, &query);
+  std::string png, error;
+  bool ok = Presets_UvPreviewPng(Web_FormValue(num_query, query, "name"), model->id, &png, &error);
+  cupsFreeOptions(num_query, query);
+  if (!ok) return papplClientRespond(client, HTTP_STATUS_NOT_FOUND, nullptr, nullptr, 0, 0);
+  if (!papplClientRespond(client, HTTP_STATUS_OK, nullptr, "image/png", 0, png.size())) return false;
+  return httpWrite2(papplClientGetHTTP(client), png.data(), png.size()) == static_cast<ssize_t>(png.size());
 }

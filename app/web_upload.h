@@ -1,4 +1,4 @@
-// Files uploaded through a web form: taken only from the server's own temporary files.
+// The form of a request that may carry an uploaded file: read into memory, never from a path.
 // Copyright 2026 The rastertobrellian authors.
 #pragma once
 
@@ -7,24 +7,21 @@
 #include <cstddef>
 #include <string>
 
-// 'Upload_Read()' - Read the file that a multipart form part of this
-// request carried: value is what papplClientGetForm() gave for the part.
-// PAPPL writes each uploaded file part to a new file in its temporary
-// directory and gives its path as the value, but a client can send any
-// text under the same name (a url-encoded form, or a plain text part), so
-// the value is used only when all of these hold:
-//   - the request is multipart/form-data;
-//   - the path is a direct child of PAPPL's temporary directory and its
-//     name has the form of PAPPL's temporary files (hexadecimal digits);
-//   - it opens without following a link and is a regular file with one
-//     link, owned by the server's own user.
-// The file is never removed here: PAPPL removes its temporary files when
-// the request ends.  True with the bytes (at most cap); false with *error
-// ("No file was uploaded." or the size or read problem) and nothing read.
-bool Upload_Read(pappl_client_t* client, const std::string& value, size_t cap, std::string* bytes,
-                 std::string* error);
+#include "app/web_multipart.h"
 
-// 'Upload_IsTempName()' - The path is dir + "/" + a name of hexadecimal
-// digits only (what PAPPL's temporary files are called); dir has no
-// trailing slash.
-bool Upload_IsTempName(const std::string& path, const std::string& dir);
+// 'Web_UploadLimit()' - A size limit as people read it: "2 MiB", "64 KiB".
+std::string Web_UploadLimit(size_t cap);
+
+// 'Web_UploadReadForm()' - The form of this request: a multipart/form-data
+// body is read by Web_MultipartRead() (file parts of at most fileCap bytes,
+// kept in memory); any other body by PAPPL's papplClientGetForm(), which
+// carries no files.  A file therefore comes only from a file part of this
+// request's own body, never from a path or name a client typed, and no
+// file of the server is opened or removed.  Call it once, before anything
+// else reads the body; free with Web_MultipartFree().
+void Web_UploadReadForm(pappl_client_t* client, size_t fileCap, TMultipartForm* form);
+
+// 'Web_UploadFile()' - The bytes of the file part field of form, at most cap
+// of them (cap itself included).  False with *error, nothing in *bytes:
+// "No file was uploaded." or "The file is larger than the limit of ...".
+bool Web_UploadFile(const TMultipartForm& form, const char* field, size_t cap, std::string* bytes, std::string* error);

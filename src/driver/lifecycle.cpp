@@ -51,6 +51,12 @@ void Proc_InstallSignalHandlers() {
   signal(SIGTERM, Proc_ExitSignal);
   signal(SIGABRT, Proc_ExitSignal);
   signal(SIGINT, Proc_ExitSignal);
+  // A hang-up or quit request (a filter run from a terminal) ends the
+  // process the way SIGINT does, so that it too leaves whole records and
+  // the status the job has reached, instead of cutting a record short or
+  // dumping core.
+  signal(SIGHUP, Proc_ExitSignal);
+  signal(SIGQUIT, Proc_ExitSignal);
   // SIGKILL cannot be caught; the attempt is refused by the system and its
   // result ignored.
   signal(SIGKILL, Proc_ExitSignal);

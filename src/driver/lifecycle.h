@@ -13,8 +13,9 @@ constexpr size_t PROC_ARG_LOG_LIMIT = 1000;
 // take the place of standard output.
 void Proc_GuardStandardDescriptors();
 
-// 'Proc_InstallSignalHandlers()' - SIGTERM, SIGABRT and SIGINT end the
-// process through exit(1); SIGPIPE is ignored.
+// 'Proc_InstallSignalHandlers()' - SIGTERM, SIGABRT, SIGINT, SIGHUP and
+// SIGQUIT end the process through exit(1), whose exit handler delivers
+// g_exitStatus (not 1); SIGPIPE is ignored.
 void Proc_InstallSignalHandlers();
 
 // 'Proc_InstallCancelHandler()' - The job-time SIGTERM handler: it only sets

@@ -13,6 +13,7 @@
 #include "driver/dumps.h"
 #include "driver/globals.h"
 #include "driver/lifecycle.h"
+#include "driver/loop_warnings.h"
 #include "driver/page_rows.h"
 #include "driver/printing_task.h"
 #include "imaging/page_process.h"
@@ -137,8 +138,12 @@ void TPrintingTask::run() {
     else CUPS_AllocPage(this, &header, false);  // Loop_ReadRows zeroes what it does not fill
     ++pageCount;
     fprintf(stderr, "PAGE: %d %d\n", page, static_cast<int>(header.NumCopies));
-    if (drained) Loop_DrainRows(this, raster, header, page);
-    else Loop_ReadRows(this, raster, header, page);
+    if (drained) {
+      Loop_DrainRows(this, raster, header, page);
+    } else {
+      uint32_t rows = Loop_ReadRows(this, raster, header, page);
+      if (!g_cancelJob) Warn_PageCutShort(page, rows, header.cupsHeight, header.cupsBytesPerLine);
+    }
     if (!g_cancelJob && jobComplete) Warn_PageBeyondCard(this, page);
     if (!g_cancelJob && !jobComplete) Page_Process(this, &header);
     Loop_DrainRest(this, raster, header);
@@ -152,6 +157,7 @@ void TPrintingTask::run() {
   }
 
   Warn_JobEnd(this, cancelled || g_cancelJob);
+  if (!cancelled && !g_cancelJob) Warn_NoCard(this, page);
   if (!cancelled && !g_cancelJob) Loop_EndJob(this);
 
   if (raster) cupsRasterClose(raster);

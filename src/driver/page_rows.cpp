@@ -47,29 +47,37 @@ uint8_t* Rows_Scratch(TPrintingTask* task, size_t bytes) {
 }  // namespace
 
 // The page buffer comes unzeroed from CUPS_AllocPage: each row is zeroed
-// just before it is read into (a read that fails part way leaves the same
-// bytes as in a zero-filled block), and every row not reached is zeroed at
-// the end.  The page then holds exactly the bytes of a zero-filled page,
-// while a row is zeroed and filled while it is in the cache instead of the
-// whole page being cleared in a pass of its own.
-void Loop_ReadRows(TPrintingTask* task, cups_raster_t* raster, const cups_page_header2_t& header,
-                   int32_t page) {
+// just before it is read into, and every row not reached is filled at the
+// end (zero after a cancel, ROW_MISSING_BYTE when the stream ended).  The
+// page then holds exactly the bytes of a zero-filled page overwritten by
+// the rows read, while a row is zeroed and filled while it is in the cache
+// instead of the whole page being cleared in a pass of its own.
+uint32_t Loop_ReadRows(TPrintingTask* task, cups_raster_t* raster, const cups_page_header2_t& header,
+                       int32_t page) {
   uint8_t* buffer = task->pageBuffer;
-  if (!buffer) return;
+  if (!buffer) return 0;
   uint32_t height = header.cupsHeight;
   size_t lineBytes = header.cupsBytesPerLine;
-  uint32_t zeroed = 0;  // rows zeroed from the top
+  uint32_t done = 0;    // rows read whole
+  bool ended = false;   // a read delivered nothing: the stream ended early
   if (lineBytes == 0 || height == 0) buffer[0] = 0;  // the one-byte block of an empty page
   for (uint32_t row = 0; row < height && !g_cancelJob; ++row) {
     if (row % PROGRESS_ROWS == 0) Rows_Progress(page, row, height);
     uint8_t* line = buffer + static_cast<size_t>(row) * lineBytes;
     memset(line, 0, lineBytes);
-    zeroed = row + 1;
-    if (cupsRasterReadPixels(raster, line, static_cast<unsigned>(lineBytes)) == 0) break;
+    if (cupsRasterReadPixels(raster, line, static_cast<unsigned>(lineBytes)) == 0) {
+      ended = true;
+      break;
+    }
+    done = row + 1;
   }
-  if (zeroed < height)
-    memset(buffer + static_cast<size_t>(zeroed) * lineBytes, 0,
-           static_cast<size_t>(height - zeroed) * lineBytes);
+  // A row whose read failed part way counts as missing with the rows after
+  // it.  Without a failed read (a cancel) the rows left stay zero, as a
+  // zero-filled page would hold them.
+  if (done < height)
+    memset(buffer + static_cast<size_t>(done) * lineBytes, ended ? ROW_MISSING_BYTE : 0,
+           static_cast<size_t>(height - done) * lineBytes);
+  return done;
 }
 
 void Loop_DrainRows(TPrintingTask* task, cups_raster_t* raster, const cups_page_header2_t& header,

@@ -16,6 +16,7 @@
 
 #include "brellian_paths.h"
 #include "log/log_file.h"
+#include "util/safe_file.h"
 #include "util/signal_block.h"
 
 namespace {
@@ -83,17 +84,18 @@ const char* Log_Stamp() {
 }
 
 // 'Log_AppendInDirectory()' - Append one line to dir/<file>, creating
-// parent (when given) and dir, mode 0777, when they are missing.  The
-// directories usually exist, so the file is opened first and they are made
-// only when the open finds them missing: the outcome is that of making them
-// before every line, without a failing call on every line.
+// parent (when given) and dir, mode FILE_DIRECTORY_MODE (0755), when they
+// are missing.  The directories usually exist, so the file is opened first
+// and they are made only when the open finds them missing: the outcome is
+// that of making them before every line, without a failing call on every
+// line.
 bool Log_AppendInDirectory(TLogFile* file, const std::string& dir, const char* line, size_t length,
                            bool rotate, const char* parent = nullptr) {
   std::string path = dir + "/" + g_logFileName;
   if (LogFile_Append(file, path, line, length, rotate)) return true;
   if (errno != ENOENT) return false;
-  if (parent) mkdir(parent, 0777);
-  mkdir(dir.c_str(), 0777);
+  if (parent) mkdir(parent, FILE_DIRECTORY_MODE);
+  mkdir(dir.c_str(), FILE_DIRECTORY_MODE);
   return LogFile_Append(file, path, line, length, rotate);
 }
 

@@ -1,19 +1,49 @@
-// Opening configuration files with the trust checks, and the warning that
-// tells why one was refused.
+// Opening configuration files with the trust checks, and the warnings that
+// tell why one was refused.
 // Copyright 2026 The rastertobrellian authors.
 #include "options/conf_file.h"
 
 #include <cerrno>
 
+#include "driver/warning.h"
 #include "log/log.h"
 #include "util/safe_file.h"
 #include "util/trusted_file.h"
 
+namespace {
+
+// 'Conf_WarnDirectory()' - The spooler's WARNING line for a file refused
+// because of a directory on its way: which file, which directory, what is
+// wrong with it and the command that puts it right.  Nothing for a refusal
+// that concerns the file itself.
+void Conf_WarnDirectory(const char* path, const TDirectoryRefusal& directory) {
+  const char* dir = directory.path.c_str();
+  switch (directory.problem) {
+    case DIR_PROBLEM_WRITABLE:
+      Warn_Write("%s is not read: directory %s is writable by other users, so any of them could have put "
+                 "the file there; make it writable by its owner only: chmod 755 %s", path, dir, dir);
+      break;
+    case DIR_PROBLEM_OWNER:
+      Warn_Write("%s is not read: directory %s belongs to a user other than root or the filter's user; "
+                 "give it to root: chown root %s", path, dir, dir);
+      break;
+    case DIR_PROBLEM_LINK:
+      Warn_Write("%s is not read: %s is a symbolic link, not a directory; replace it with a directory "
+                 "owned by root: rm %s && install -d -m 755 %s", path, dir, dir, dir);
+      break;
+    case DIR_PROBLEM_NONE: break;
+  }
+}
+
+}  // namespace
+
 int Conf_OpenFile(const char* path) {
   std::string refusal;
-  int fd = File_OpenConfig(path, &refusal);
+  TDirectoryRefusal directory;
+  int fd = File_OpenConfig(path, &refusal, &directory);
   if (fd < 0 && !refusal.empty()) {
     int error = errno;
+    Conf_WarnDirectory(path, directory);
     Log_Write(LOG_WARNING, "Conf_OpenFile --> file not trusted (%s): %s", path, refusal.c_str());
     errno = error;
   }

@@ -10,7 +10,10 @@
 // 'Conf_OpenFile()' - File_OpenConfig on path; a refused file is logged at
 // LOG_WARNING ("Conf_OpenFile --> file not trusted (<path>): <reason>") and
 // reads as not found (errno ENOENT; ELOOP or EINVAL for a symbolic link or
-// a non-regular file as the last component).  Returns the descriptor or -1.
+// a non-regular file as the last component).  When a directory on its way
+// was the cause, a WARNING line for the spooler (Warn_Write) also names the
+// file, the directory and the command that fixes it.  Returns the
+// descriptor or -1.
 int Conf_OpenFile(const char* path);
 
 // 'Conf_ReadFile()' - Conf_OpenFile, then the whole file of at most

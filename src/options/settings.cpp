@@ -16,10 +16,11 @@
 namespace {
 
 // 'Store_MakeDirs()' - Create the configuration and settings directories
-// (mode 0777, errors ignored).  An existing directory keeps its mode.
+// (mode FILE_DIRECTORY_MODE, 0755, so that the filter trusts what is later
+// put in them; errors ignored).  An existing directory keeps its mode.
 void Store_MakeDirs() {
-  mkdir(BRELLIAN_CONF_DIR, 0777);
-  mkdir(BRELLIAN_SETTINGS_DIR, 0777);
+  mkdir(BRELLIAN_CONF_DIR, FILE_DIRECTORY_MODE);
+  mkdir(BRELLIAN_SETTINGS_DIR, FILE_DIRECTORY_MODE);
 }
 
 // 'Store_NameError()' - 0 when name may stand in a settings file name,

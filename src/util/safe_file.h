@@ -7,6 +7,13 @@
 #include <cstdio>
 #include <string>
 
+// Mode of every directory the filter creates (settings and log
+// directories): writable by its owner only.  The filter runs with umask 0,
+// so this is the mode the directory gets; 0777 would make it a directory
+// any user can plant files in, which the trust rule of the configuration
+// tree then refuses to read from.
+constexpr unsigned FILE_DIRECTORY_MODE = 0755;
+
 // 'File_OpenRegular()' - open(2) path with O_NOFOLLOW, O_NONBLOCK and
 // O_CLOEXEC added to flags, then check that it is a regular file.  Returns
 // the descriptor, or -1 with errno set (ELOOP for a symbolic link, EINVAL

@@ -22,16 +22,29 @@ int File_Refuse(int fd, const std::string& path, const std::string& why, std::st
   return -1;
 }
 
+// 'File_NameDirectory()' - Record in *directory (when given) that the
+// directory at path was refused for problem.
+void File_NameDirectory(TDirectoryRefusal* directory, const std::string& path, TDirectoryProblem problem) {
+  if (!directory) return;
+  directory->problem = problem;
+  directory->path = path;
+}
+
 // 'File_CheckDirectory()' - 0 when the open directory dir (at path) is
 // owned by root or the process's user and no one else may write in it;
-// else -1 with the reason in *refusal.
-int File_CheckDirectory(int dir, const std::string& path, std::string* refusal) {
+// else -1 with the reason in *refusal and the directory in *directory.
+int File_CheckDirectory(int dir, const std::string& path, std::string* refusal,
+                        TDirectoryRefusal* directory) {
   struct stat st;
   if (fstat(dir, &st) != 0) return -1;
-  if (!File_IsTrustedOwner(st.st_uid))
+  if (!File_IsTrustedOwner(st.st_uid)) {
+    File_NameDirectory(directory, path, DIR_PROBLEM_OWNER);
     return File_Refuse(-1, path, "is owned by user " + std::to_string(st.st_uid), refusal, ENOENT);
-  if (st.st_mode & (S_IWGRP | S_IWOTH))
+  }
+  if (st.st_mode & (S_IWGRP | S_IWOTH)) {
+    File_NameDirectory(directory, path, DIR_PROBLEM_WRITABLE);
     return File_Refuse(-1, path, "is writable by other users", refusal, ENOENT);
+  }
   return 0;
 }
 
@@ -54,7 +67,7 @@ int File_OpenRoot(const char* path, const char** rest, std::string* walked) {
 // (closed here): a directory when more components follow, else the file.
 // Returns the new descriptor or -1.
 int File_OpenStep(int dir, const std::string& name, const std::string& path, bool last,
-                  std::string* refusal) {
+                  std::string* refusal, TDirectoryRefusal* directory) {
   int flags = O_RDONLY | O_NOFOLLOW | O_CLOEXEC | (last ? O_NONBLOCK : O_DIRECTORY);
   int fd = openat(dir, name.c_str(), flags);
   int error = errno;
@@ -62,13 +75,14 @@ int File_OpenStep(int dir, const std::string& name, const std::string& path, boo
   bool isLink = fd < 0 && fstatat(dir, name.c_str(), &st, AT_SYMLINK_NOFOLLOW) == 0 &&
                 S_ISLNK(st.st_mode);
   close(dir);
+  if (isLink && !last) File_NameDirectory(directory, path, DIR_PROBLEM_LINK);
   if (isLink) return File_Refuse(-1, path, "is a symbolic link", refusal, last ? ELOOP : ENOENT);
   if (fd < 0) {
     errno = error;
     return -1;
   }
   if (!last) {
-    if (File_CheckDirectory(fd, path, refusal) != 0) {
+    if (File_CheckDirectory(fd, path, refusal, directory) != 0) {
       close(fd);
       return -1;
     }
@@ -113,8 +127,9 @@ int File_OpenOwned(const char* path, int flags, unsigned mode) {
   return fd;
 }
 
-int File_OpenConfig(const char* path, std::string* refusal) {
+int File_OpenConfig(const char* path, std::string* refusal, TDirectoryRefusal* directory) {
   refusal->clear();
+  if (directory) *directory = TDirectoryRefusal();
   if (!path || path[0] != '/') {
     errno = ENOENT;
     return -1;
@@ -123,7 +138,7 @@ int File_OpenConfig(const char* path, std::string* refusal) {
   std::string walked;
   int dir = File_OpenRoot(path, &rest, &walked);
   if (dir < 0) return -1;
-  if (File_CheckDirectory(dir, walked, refusal) != 0) {
+  if (File_CheckDirectory(dir, walked, refusal, directory) != 0) {
     close(dir);
     return -1;
   }
@@ -139,7 +154,7 @@ int File_OpenConfig(const char* path, std::string* refusal) {
     walked += "/" + name;
     if (name == "." || name == "..")
       return File_Refuse(dir, walked, "is not a plain name", refusal, ENOENT);
-    dir = File_OpenStep(dir, name, walked, last, refusal);
+    dir = File_OpenStep(dir, name, walked, last, refusal, directory);
     if (dir < 0 || last) return dir;
     p = end;
   }

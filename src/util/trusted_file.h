@@ -22,6 +22,20 @@ int File_CheckOwned(const struct stat& st, const char* path, std::string* reason
 // configuration.
 int File_OpenOwned(const char* path, int flags, unsigned mode = 0666);
 
+// Why a directory on the way to a configuration file was not trusted.
+enum TDirectoryProblem {
+  DIR_PROBLEM_NONE = 0,   // the refusal (if any) concerns the file itself
+  DIR_PROBLEM_WRITABLE,   // group or others may write in it
+  DIR_PROBLEM_OWNER,      // owned by a user other than root or the filter's
+  DIR_PROBLEM_LINK        // a symbolic link stands where the directory should
+};
+
+// The directory that made File_OpenConfig refuse a file, when one did.
+struct TDirectoryRefusal {
+  TDirectoryProblem problem = DIR_PROBLEM_NONE;
+  std::string path;   // the directory (or the link standing for it)
+};
+
 // 'File_OpenConfig()' - Open a file of the configuration tree for reading,
 // one path component at a time from BRELLIAN_SYSROOT (or "/") down: every
 // directory is opened with O_NOFOLLOW | O_DIRECTORY and must be owned by
@@ -31,7 +45,9 @@ int File_OpenOwned(const char* path, int flags, unsigned mode = 0666);
 // the reason (it is cleared otherwise) and errno to ENOENT, so that it takes
 // the not-found path, except a symbolic link or non-regular file as the
 // last component, which keep ELOOP and EINVAL as File_OpenRegular gives.
-int File_OpenConfig(const char* path, std::string* refusal);
+// With directory given, a refusal caused by a directory on the way names
+// that directory and its problem there (reset to DIR_PROBLEM_NONE first).
+int File_OpenConfig(const char* path, std::string* refusal, TDirectoryRefusal* directory = nullptr);
 
 // 'File_ReadConfig()' - File_OpenConfig, then read the whole file of at
 // most maxBytes bytes into out (as File_ReadCapped).  Returns 0 or -1.

@@ -368,12 +368,13 @@ def http_request(server, method, path, body=b"", headers=None, source=None):
     head, _, rest = data.partition(b"\r\n\r\n")
     status = int(head.split(b" ")[1])
     if b"transfer-encoding: chunked" in head.lower():
-        rest = dechunk(rest)
+        rest = dechunk(rest) or b""
     return status, rest.decode("utf-8", "replace")
 
 
-def post_form(server, path, form, changes, files=None, source=None):
+def post_form(server, path, form, changes, files=None, source=None, headers=None):
     """Post a page's form with some fields changed (and files attached); (status, page text)."""
+    extra_headers = headers
     fields = dict(form["fields"])
     fields.update(changes)
     fields = {k: v for k, v in fields.items() if v is not None}  # None unchecks a box
@@ -391,5 +392,76 @@ def post_form(server, path, form, changes, files=None, source=None):
                           "Content-Type: %s\r\n\r\n" % (boundary, k, fname, ctype)).encode() + data + b"\r\n")
         body = b"".join(parts) + ("--%s--\r\n" % boundary).encode()
         headers = {"Content-Type": "multipart/form-data; boundary=" + boundary}
+    headers.update(extra_headers or {})
     status, text = http_request(server, "POST", path, body, headers, source)
     return status, parse_page(text)[1]
+
+
+IPP_TAGS = {"charset": 0x47, "language": 0x48, "uri": 0x45, "name": 0x42, "text": 0x41, "keyword": 0x44,
+            "integer": 0x21, "boolean": 0x22, "enum": 0x23, "mimeMediaType": 0x49}
+IPP_GROUPS = {"operation": 0x01, "job": 0x02, "printer": 0x04, "system": 0x0a}
+
+
+def ipp_encode(op, groups, request_id=1):
+    """An IPP/2.0 request: groups is [(group, [(syntax, name, value), ...]), ...]."""
+    out = struct.pack(">BBHI", 2, 0, op, request_id)
+    for group, attrs in groups:
+        out += bytes([IPP_GROUPS[group]])
+        for syntax, name, value in attrs:
+            if syntax in ("integer", "enum"):
+                data = struct.pack(">i", value)
+            elif syntax == "boolean":
+                data = bytes([1 if value else 0])
+            else:
+                data = value.encode()
+            out += struct.pack(">BH", IPP_TAGS[syntax], len(name)) + name.encode() + struct.pack(">H", len(data)) + data
+    return out + b"\x03"
+
+
+def ipp_request(server, path, op, groups, source=None, headers=None, document=b""):
+    """One IPP request over HTTP (optionally from another source address); (HTTP status, IPP status or None).
+    Operation attributes charset and language come first by themselves."""
+    ops = [("charset", "attributes-charset", "utf-8"), ("language", "attributes-natural-language", "en")]
+    groups = list(groups)
+    if groups and groups[0][0] == "operation":
+        groups[0] = ("operation", ops + list(groups[0][1]))
+    else:
+        groups.insert(0, ("operation", ops))
+    body = ipp_encode(op, groups) + document
+    hdrs = {"Content-Type": "application/ipp"}
+    hdrs.update(headers or {})
+    status, head_body = http_request_bytes(server, "POST", path, body, hdrs, source)
+    if status != 200 or len(head_body) < 4:
+        return status, None
+    return status, struct.unpack(">H", head_body[2:4])[0]
+
+
+def http_request_bytes(server, method, path, body=b"", headers=None, source=None):
+    """Like http_request, the body as bytes; (status, body)."""
+    headers = dict(headers or {})
+    headers.setdefault("Host", "localhost:%d" % server.port)
+    headers["Content-Length"] = str(len(body))
+    headers["Connection"] = "close"
+    req = "%s %s HTTP/1.1\r\n" % (method, path) + "".join("%s: %s\r\n" % kv for kv in headers.items()) + "\r\n"
+    s = socket.socket()
+    s.settimeout(60)
+    if source:
+        s.bind((source, 0))
+    s.connect(("127.0.0.1", server.port))
+    s.sendall(req.encode() + body)
+    data = b""
+    while True:
+        try:
+            chunk = s.recv(65536)
+        except ConnectionResetError:
+            break
+        if chunk:
+            data += chunk
+        if http_complete(data) or not chunk:
+            break
+    s.close()
+    head, _, rest = data.partition(b"\r\n\r\n")
+    status = int(head.split(b" ")[1])
+    if b"transfer-encoding: chunked" in head.lower():
+        rest = dechunk(rest) or b""
+    return status, rest

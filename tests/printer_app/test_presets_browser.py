@@ -63,7 +63,9 @@ class PresetsBrowserTest(unittest.TestCase):
                            capture_output=True, text=True, env=env, timeout=300)
         self.assertEqual(r.returncode, 0, r.stderr)
         self.assertTrue(os.path.getsize(shot) > 0)
-        return json.loads(r.stdout)
+        out = json.loads(r.stdout)
+        self.page_seen = out["page"]
+        return out["results"]
 
     def print_card(self, attrs):
         type(self).jobs += 1
@@ -113,6 +115,30 @@ class PresetsBrowserTest(unittest.TestCase):
         self.assertTrue(results[0]["error"], results)
         self.assertIn("Not a usable colour table", results[0]["message"])
         self.assertEqual(kept, self.settings_bytes(), "a bad upload changes nothing")
+
+    def test_page_offers_choices_lists_files_and_previews_uv_images(self):
+        png = os.path.join(self.server.tmp, "mark.png")
+        with open(png, "wb") as f:
+            f.write(h.png_rgb(100, 64, lambda x, y: (0, 0, 0) if (x // 10 + y // 10) % 2 else (255, 255, 255)))
+        name = self.serial + "-mark.uv"
+        mark = os.path.join(BUILD, "sysroot", "etc", "brellian", "uv", name)
+        self.addCleanup(lambda: os.path.exists(mark) and os.unlink(mark))
+        results = self.browse([{"select": {"uv-preset": "2", "uv-fit": "stretch"}, "fill": {"uv-name": name},
+                                "file": {"uv-file": png}, "submit": "upload-uv"}],
+                              os.path.join(self.server.tmp, "choices.png"))
+        self.assertIn("installed as UV preset 2", results[0]["message"])
+        page = self.page_seen
+        # Every value with a fixed set of choices is a choice list, the installed files among them.
+        for key in ("card-thickness", "mag-po-mode", "lut.1", "lut.3", "uv.1", "uv.5"):
+            self.assertTrue(any(key in s for s in page["selects"]), (key, page["selects"]))
+        self.assertIn(name, page["text"])
+        preview = [p for p in page["previews"] if p["alt"] == "UV image " + name]
+        self.assertTrue(preview, page["previews"])
+        self.assertEqual((preview[0]["width"], preview[0]["height"]), (2072, 1328), "a picture of the whole panel")
+        self.assertIn("at most 2 MiB", page["text"])
+        self.assertIn("at most 64 KiB", page["text"])
+        for path in (os.path.join(BUILD, "sysroot"), "/etc/brellian", ".dat"):
+            self.assertNotIn(path, page["text"], "no server path on the page")
 
 
 if __name__ == "__main__":

@@ -1,12 +1,18 @@
 // Process test: the filter creates the configuration and settings
-// directories with mode 0777 exactly when it looks for the settings file.
+// directories, when it looks for the settings file and they are missing,
+// with mode 0755 (owner-writable only, although its umask is 0), so that a
+// settings file installed in them later is trusted and read.
 // Copyright 2026 The rastertobrellian authors.
 #include <gtest/gtest.h>
 
 #include <string>
 #include <sys/stat.h>
 
+#include "brellian_paths.h"
+#include "options/settings.h"
+#include "status/tables.h"
 #include "support/process.h"
+#include "util/str.h"
 
 namespace {
 
@@ -17,20 +23,55 @@ int Mode(const std::string& path) {
   return static_cast<int>(st.st_mode & 07777);
 }
 
-}  // namespace
-
-TEST(SettingsDirectories, FilterCreatesThemWithMode0777) {
-  Test_RemoveTree(Test_ConfDir());
-  ASSERT_EQ(-1, Mode(Test_ConfDir()));
+// 'Dirs_Run()' - The filter on empty input for the printer with serial
+// number ABC and no PPD; returns standard error.
+std::string Dirs_Run() {
   TProcessOptions options;
   options.env["DEVICE_URI"] = "usbbr://Brellian/x?serial=ABC";
   options.unsetEnv = {"PPD"};
   TProcessResult r = Test_RunFilter({"1", "u", "t", "1", ""}, options);
   EXPECT_EQ(1, r.status);   // empty raster input: no pages
-  EXPECT_EQ(0777, Mode(Test_ConfDir()));
-  EXPECT_EQ(0777, Mode(Test_ConfDir() + "/settings"));
-  // Files below directories any user can write are not trusted: leave no
-  // such tree behind for the next test.
+  return r.err;
+}
+
+}  // namespace
+
+TEST(SettingsDirectories, FilterCreatesThemWithMode0755) {
+  Test_RemoveTree(Test_ConfDir());
+  ASSERT_EQ(-1, Mode(Test_ConfDir()));
+  std::string err = Dirs_Run();
+  EXPECT_EQ(0755, Mode(Test_ConfDir()));
+  EXPECT_EQ(0755, Mode(Test_ConfDir() + "/settings"));
+  // Only the mode differs from the design: the job's lines are the same.
+  EXPECT_EQ("ERROR: No pages found!\n", err);
+  Test_RemoveTree(Test_ConfDir());
+}
+
+// A tree the filter made (as root, say, in a manual test) no longer hides
+// what the administrator installs in it later: the settings file saved
+// into it is read by the next job.  With 0777 directories it was refused.
+TEST(SettingsDirectories, SettingsSavedInATreeTheFilterMadeAreRead) {
+  Test_RemoveTree(Test_ConfDir());
+  Dirs_Run();
+  Status_BuildTables();
+  TBrellianSettings settings;
+  settings.modelName = Status_ModelName(1060);
+  Str_ToLower(settings.modelName);
+  settings.serialNumber = "abc";
+  ASSERT_TRUE(settings.Save());
+  EXPECT_EQ(0755, Mode(Test_ConfDir() + "/settings"));   // Save keeps the existing mode
+  Test_ResetLog();
+  Test_SetLogLevelWord("log");
+  std::string err = Dirs_Run();
+  EXPECT_EQ("ERROR: No pages found!\n", err);
+  bool refused = false, readIt = false;
+  for (const std::string& line : Test_LogMessages()) {
+    refused |= line.find("failed to open settings file") != std::string::npos;
+    readIt |= line.find("serialNumber::[ABC]") != std::string::npos;
+  }
+  EXPECT_TRUE(readIt);
+  EXPECT_FALSE(refused);
+  Test_ResetLog();
   Test_RemoveTree(Test_ConfDir());
 }
 
@@ -38,10 +79,7 @@ TEST(SettingsDirectories, ExistingDirectoryKeepsItsMode) {
   Test_RemoveTree(Test_ConfDir());
   Test_MakeDirs(Test_ConfDir() + "/settings");
   ASSERT_EQ(0, chmod((Test_ConfDir() + "/settings").c_str(), 0750));
-  TProcessOptions options;
-  options.env["DEVICE_URI"] = "usbbr://Brellian/x?serial=ABC";
-  options.unsetEnv = {"PPD"};
-  Test_RunFilter({"1", "u", "t", "1", ""}, options);
+  Dirs_Run();
   EXPECT_EQ(0750, Mode(Test_ConfDir() + "/settings"));
   Test_RemoveTree(Test_ConfDir());
 }

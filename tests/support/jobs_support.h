@@ -37,8 +37,8 @@ inline std::string Job_PPD() { return Test_GeneratedPPD(1030); }
 // saves them: the file the filter reads for the default model's name and
 // kSerial.
 inline TBrellianSettings Job_Settings() {
-  // A settings directory the filter trusts (an earlier run may have made it
-  // with mode 0777), so that Save() writes a file the filter reads.
+  // A settings directory the filter trusts (a test may have left it with
+  // other modes), so that Save() writes a file the filter reads.
   Test_MakeDirs(Test_ConfDir() + "/settings");
   Status_BuildTables();
   TBrellianSettings settings;

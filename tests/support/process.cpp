@@ -188,7 +188,7 @@ void Test_MakeDirs(const std::string& path) {
   // The configuration tree is made as the package makes it: every directory
   // from the build's system root down to path writable by its owner only,
   // since the filter treats files below a directory others can write as
-  // not found.  (A filter run may have made them with mode 0777.)
+  // not found.  (A test may have left them with other modes.)
   const std::string conf = BRELLIAN_CONF_DIR;
   if (path.compare(0, conf.size(), conf) != 0) return;
   const std::string root = BRELLIAN_SYSROOT;

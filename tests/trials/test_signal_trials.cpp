@@ -1,6 +1,7 @@
-// Signal-timing trials: SIGINT, SIGABRT and SIGTERM at random moments while
-// the filter writes a duplex card with every panel to a slow reader; every
-// stream must be made of whole records and every status the designed one.
+// Signal-timing trials: SIGINT, SIGABRT, SIGHUP, SIGQUIT and SIGTERM at
+// random moments while the filter writes a duplex card with every panel to
+// a slow reader; every stream must be made of whole records and every
+// status the designed one.
 // Copyright 2026 The rastertobrellian authors.
 //
 // BRELLIAN_TRIAL_SEED sets the random seed (printed with the figures);
@@ -61,7 +62,7 @@ TEST(SignalTrials, RandomSignalsLeaveWholeRecords) {
   printf("signal trials: seed %lu, %lu per signal, complete stream %zu bytes\n", seed, trials,
          whole.out.size());
   auto start = std::chrono::steady_clock::now();
-  for (int sig : {SIGINT, SIGABRT, SIGTERM}) {
+  for (int sig : {SIGINT, SIGABRT, SIGHUP, SIGQUIT, SIGTERM}) {
     int malformed = 0, cuts = 0, timeouts = 0, wrongStatus = 0;
     std::map<int, int> statuses;
     for (unsigned long i = 0; i < trials; ++i) {
@@ -71,8 +72,8 @@ TEST(SignalTrials, RandomSignalsLeaveWholeRecords) {
       TSignalTrialResult r = Signal_RunTrial(trial);
       std::string verdict = Signal_StreamVerdict(r.out, &cut);
       ++statuses[r.status];
-      // SIGINT and SIGABRT deliver g_exitStatus, which is 0 until the job
-      // ends.  SIGTERM cancels: status 0 with "INFO: Ready to print.", or 1
+      // SIGINT, SIGABRT, SIGHUP and SIGQUIT deliver g_exitStatus, which is 0
+      // until the job ends.  SIGTERM cancels: status 0 with "INFO: Ready to print.", or 1
       // with "ERROR: No pages found!" when it came before the first page.
       const bool noPages = r.err.find("ERROR: No pages found!\n") != std::string::npos;
       const int designed = sig == SIGTERM && noPages ? 1 : 0;

@@ -3,7 +3,8 @@
 //
 // Usage: node presets_browser.cjs URL STEPS.json SCREENSHOT.png
 // Each step is {"form": "settings"|"uv"|"lut", "fill": {id: value}, "select": {id: value},
-// "file": {id: path}, "submit": id}; the result holds the message shown after each step.
+// "file": {id: path}, "submit": id}; the result holds the message shown after each step, and what the page
+// shows after the last one: its text, the ids of its choice lists and its UV previews with their sizes.
 'use strict';
 const fs = require('fs');
 const path = require('path');
@@ -21,6 +22,7 @@ async function main() {
            '--disable-component-update', '--disable-sync'],
   });
   const results = [];
+  let inspected = {};
   try {
     const page = await browser.newPage();
     for (const step of steps) {
@@ -34,12 +36,19 @@ async function main() {
       const error = (await page.$('.brellian-error')) !== null;
       results.push({ message: message.trim(), error });
     }
+    await page.goto(url, { waitUntil: 'load' });
+    inspected = await page.evaluate(() => ({
+      text: document.body.innerText,
+      selects: Array.from(document.querySelectorAll('select')).map((e) => e.id),
+      previews: Array.from(document.querySelectorAll('img.brellian-uv-preview'))
+        .map((e) => ({ alt: e.alt, width: e.naturalWidth, height: e.naturalHeight })),
+    }));
     await page.screenshot({ path: shot, fullPage: true });
   } finally {
     await browser.close();
     fs.rmSync(userDir, { recursive: true, force: true });
   }
-  process.stdout.write(JSON.stringify(results) + '\n');
+  process.stdout.write(JSON.stringify({ results, page: inspected }) + '\n');
 }
 
 main().catch((e) => {
