@@ -15,6 +15,7 @@
 #include "app/dnssd_check.h"
 #include "app/models.h"
 #include "app/pappl_driver.h"
+#include "app/pdf_job.h"
 #include "app/vendor_table.h"
 #include "app/web_pages.h"
 #include "app/web_security.h"
@@ -164,6 +165,7 @@ pappl_system_t* App_SystemCallback(int num_options, cups_option_t* options, void
   std::vector<pappl_pr_driver_t>& drivers = App_Drivers();
   papplSystemSetPrinterDrivers(system, static_cast<int>(drivers.size()), drivers.data(), Driver_AutoAdd,
                                App_PrinterCreated, Driver_Callback, nullptr);
+  papplSystemAddMIMEFilter(system, "application/pdf", "application/vnd.brellian-job", Pdf_PrintFile, nullptr);
   App_AddStrings(system);
   static std::string footer = "Brellian card printer application " BRELLIAN_APP_VERSION;
   if (!DnsSd_Available()) {

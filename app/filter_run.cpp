@@ -1,13 +1,10 @@
-// One run of rastertobrellian as a child process, its output pumped to the device.
+// One run of rastertobrellian as a child process, its output sent to the device once it has ended well.
 // Copyright 2026 The rastertobrellian authors.
 #include "app/filter_run.h"
 
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
-#include <grp.h>
-#include <pthread.h>
-#include <pwd.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -29,29 +26,19 @@ bool Run_WriteAll(int fd, const unsigned char* buffer, size_t bytes) {
   return true;
 }
 
-// 'Run_Clean()' - A filter line made safe for the job's message: control
-// characters become spaces, at most 200 bytes.
-std::string Run_Clean(const std::string& s) {
-  std::string out = s.substr(0, 200);
-  for (char& c : out)
-    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) c = ' ';
-  return out;
-}
-
-// 'Run_FilterUser()' - The user the filter runs as when the application
-// runs as root: $BRELLIAN_FILTER_USER, else "lp", the spooler's user that
-// runs it under CUPS (an empty value keeps root).  False: keep the user.
-bool Run_FilterUser(uid_t* uid, gid_t* gid) {
-  if (geteuid() != 0) return false;
-  const char* name = getenv("BRELLIAN_FILTER_USER");
-  if (!name) name = "lp";
-  if (!*name) return false;
-  struct passwd pw, *found = nullptr;
-  char buf[4096];
-  if (getpwnam_r(name, &pw, buf, sizeof(buf), &found) != 0 || !found) return false;
-  *uid = pw.pw_uid;
-  *gid = pw.pw_gid;
-  return true;
+// 'Run_Reap()' - Wait for the upstream filters (after SIGTERM when kill
+// is true); true when each ended with status 0.
+bool Run_Reap(std::vector<pid_t>* pids, bool kill) {
+  bool clean = true;
+  for (pid_t pid : *pids) {
+    if (kill) ::kill(pid, SIGTERM);
+    int status = 0;
+    while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+    }
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) clean = false;
+  }
+  pids->clear();
+  return clean;
 }
 
 }  // namespace
@@ -77,69 +64,82 @@ TFilterRun::~TFilterRun() {
   }
 }
 
-// 'TFilterRun::Start()' - Pipes with close-on-exec, fork and exec (as the
-// spooler's user when running as root), pump thread.
+// 'TFilterRun::Start()' - Pipes with close-on-exec, the upstream
+// filters when there are any, the filter, and the pump thread.
 bool TFilterRun::Start(const TFilterArgs& args) {
-  int in[2], out[2], err[2];
-  if (pipe2(in, O_CLOEXEC) != 0) return false;
-  if (pipe2(out, O_CLOEXEC) != 0) {
-    close(in[0]), close(in[1]);
-    return false;
-  }
+  int out[2], err[2];
+  if (pipe2(out, O_CLOEXEC) != 0) return false;
   if (pipe2(err, O_CLOEXEC) != 0) {
-    close(in[0]), close(in[1]), close(out[0]), close(out[1]);
+    close(out[0]), close(out[1]);
     return false;
   }
-  std::vector<char*> argv, envp;
-  argv.push_back(const_cast<char*>("rastertobrellian"));
-  for (const std::string& a : args.argv) argv.push_back(const_cast<char*>(a.c_str()));
-  argv.push_back(nullptr);
-  for (const std::string& e : args.env) envp.push_back(const_cast<char*>(e.c_str()));
-  envp.push_back(nullptr);
-  uid_t uid = 0;
-  gid_t gid = 0;
-  bool drop = Run_FilterUser(&uid, &gid);
-  int failPipe[2];
-  if (pipe2(failPipe, O_CLOEXEC) != 0) failPipe[0] = failPipe[1] = -1;
-  pid_ = fork();
-  if (pid_ == 0) {
-    // Child: only async-signal-safe calls until execve.
-    sigset_t none;
-    sigemptyset(&none);
-    pthread_sigmask(SIG_SETMASK, &none, nullptr);
-    signal(SIGPIPE, SIG_DFL);
-    signal(SIGTERM, SIG_DFL);
-    int code = 0;
-    if (dup2(in[0], 0) < 0 || dup2(out[1], 1) < 0 || dup2(err[1], 2) < 0) code = errno;
-    if (!code && drop && (setgroups(0, nullptr) != 0 || setgid(gid) != 0 || setuid(uid) != 0)) code = errno;
-    if (!code) {
-      execve(args.filter.c_str(), argv.data(), envp.data());
-      code = errno;
+  int filterIn = -1, error = 0;
+  std::string failed;
+  if (args.upstream.empty()) {
+    int in[2];
+    if (pipe2(in, O_CLOEXEC) == 0) {
+      filterIn = in[0];
+      inFd_ = in[1];
+    } else {
+      error = errno;
+      failed = "a pipe";
     }
-    if (failPipe[1] >= 0) (void)!write(failPipe[1], &code, sizeof(code));
-    _exit(127);
+  } else {
+    filterIn = open(args.inputFile.c_str(), O_RDONLY | O_CLOEXEC);
+    if (filterIn < 0) error = errno, failed = args.inputFile;
+    for (const TChildSpec& up : args.upstream) {
+      if (filterIn < 0) break;
+      int pipeFds[2];
+      if (pipe2(pipeFds, O_CLOEXEC) != 0) {
+        error = errno, failed = "a pipe";
+        close(filterIn);
+        filterIn = -1;
+        break;
+      }
+      TChildSpec spec = up;
+      spec.in = filterIn, spec.out = pipeFds[1], spec.err = err[1];
+      pid_t pid = Child_Spawn(spec, &error);
+      close(filterIn), close(pipeFds[1]);
+      filterIn = pipeFds[0];
+      if (pid < 0) {
+        failed = up.path;
+        close(filterIn);
+        filterIn = -1;
+        break;
+      }
+      upstream_.push_back(pid);
+    }
   }
-  close(in[0]), close(out[1]), close(err[1]);
-  if (failPipe[1] >= 0) close(failPipe[1]);
-  int childErr = pid_ < 0 ? errno : 0;
-  if (pid_ > 0 && failPipe[0] >= 0 && read(failPipe[0], &childErr, sizeof(childErr)) != sizeof(childErr)) childErr = 0;
-  if (failPipe[0] >= 0) close(failPipe[0]);
-  if (childErr != 0) {
-    papplLogJob(job_, PAPPL_LOGLEVEL_ERROR, "Unable to run %s: %s", args.filter.c_str(), strerror(childErr));
-    close(in[1]), close(out[0]), close(err[0]);
-    if (pid_ > 0) waitpid(pid_, nullptr, 0);
+  if (filterIn >= 0) {
+    TChildSpec spec;
+    spec.path = args.filter;
+    spec.argv.push_back("rastertobrellian");
+    spec.argv.insert(spec.argv.end(), args.argv.begin(), args.argv.end());
+    spec.env = args.env;
+    spec.in = filterIn, spec.out = out[1], spec.err = err[1];
+    pid_ = Child_Spawn(spec, &error);
+    if (pid_ < 0) failed = args.filter;
+    close(filterIn);
+  }
+  close(out[1]), close(err[1]);
+  outFd_ = out[0];
+  errFd_ = err[0];
+  if (pid_ < 0) {
+    papplLogJob(job_, PAPPL_LOGLEVEL_ERROR, "Unable to run %s: %s", failed.c_str(), strerror(error));
     pid_ = -1;
+    Run_Reap(&upstream_, true);
+    close(outFd_), close(errFd_);
+    outFd_ = errFd_ = -1;
+    if (inFd_ >= 0) close(inFd_);
+    inFd_ = -1;
     return false;
   }
   papplLogJob(job_, PAPPL_LOGLEVEL_DEBUG, "Started %s as process %d", args.filter.c_str(), static_cast<int>(pid_));
-  inFd_ = in[1];
-  outFd_ = out[0];
-  errFd_ = err[0];
-  if (!args.keepRaster.empty())
+  if (!args.keepRaster.empty() && inFd_ >= 0)
     keepFd_ = open(args.keepRaster.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0600);
-  raster_ = cupsRasterOpenIO(TFilterRun::WriteRaster, this, CUPS_RASTER_WRITE);
+  if (inFd_ >= 0) raster_ = cupsRasterOpenIO(TFilterRun::WriteRaster, this, CUPS_RASTER_WRITE);
   pump_ = std::thread(&TFilterRun::Pump, this);
-  return raster_ != nullptr;
+  return inFd_ < 0 || raster_ != nullptr;
 }
 
 // 'TFilterRun::WriteHeader()' - One page header into the raster stream.
@@ -156,10 +156,12 @@ bool TFilterRun::WriteRow(const unsigned char* row, unsigned bytes) {
   return !inputBroken_;
 }
 
-// 'TFilterRun::Cancel()' - SIGTERM once.
+// 'TFilterRun::Cancel()' - SIGTERM once, to the filter and the upstream
+// filters.
 void TFilterRun::Cancel() {
   if (pid_ > 0 && !cancelled_) {
     cancelled_ = true;
+    for (pid_t up : upstream_) kill(up, SIGTERM);
     kill(pid_, SIGTERM);
   }
 }
@@ -178,16 +180,38 @@ bool TFilterRun::Finish() {
   while (waitpid(pid_, &status, 0) < 0 && errno == EINTR) {
   }
   pid_ = -1;
+  if (!Run_Reap(&upstream_, cancelled_ || discarded_) && !cancelled_ && !discarded_) {
+    papplLogJob(job_, PAPPL_LOGLEVEL_ERROR, "A filter before the card filter failed");
+    upstreamFailed_ = true;
+  }
   close(outFd_), close(errFd_);
   outFd_ = errFd_ = -1;
   bool clean = WIFEXITED(status) && WEXITSTATUS(status) == 0;
-  if (!clean)
+  if (!clean && !discarded_)
     papplLogJob(job_, PAPPL_LOGLEVEL_ERROR, "The filter ended with %s %d",
                 WIFEXITED(status) ? "status" : "signal", WIFEXITED(status) ? WEXITSTATUS(status) : WTERMSIG(status));
-  return clean && !deviceFailed_;
+  clean = clean && !upstreamFailed_;
+  if (clean && !discarded_ && !held_.empty()) {
+    if (papplDeviceWrite(device_, held_.data(), held_.size()) != static_cast<ssize_t>(held_.size())) {
+      deviceFailed_ = true;
+      papplLogJob(job_, PAPPL_LOGLEVEL_ERROR, "Unable to send the job stream to the printer");
+    }
+    papplDeviceFlush(device_);
+  } else if (!held_.empty()) {
+    papplLogJob(job_, PAPPL_LOGLEVEL_INFO, "Not sent to the printer: %lu bytes of an unfinished job stream",
+                static_cast<unsigned long>(held_.size()));
+  }
+  std::string().swap(held_);
+  return clean && !discarded_ && !deviceFailed_;
 }
 
-// 'TFilterRun::Pump()' - Copy standard output to the device and turn
+// 'TFilterRun::Discard()' - Kill the filter; nothing of its stream is sent.
+void TFilterRun::Discard() {
+  discarded_ = true;
+  if (pid_ > 0) kill(pid_, SIGKILL);
+}
+
+// 'TFilterRun::Pump()' - Keep standard output for Finish() and turn
 // standard error into job messages until both pipes close.
 void TFilterRun::Pump() {
   std::string pending;
@@ -201,12 +225,8 @@ void TFilterRun::Pump() {
     }
     if (fds[0].revents) {
       ssize_t n = read(outFd_, buf, sizeof(buf));
-      if (n > 0 && !deviceFailed_) {
-        if (papplDeviceWrite(device_, buf, static_cast<size_t>(n)) != n) {
-          deviceFailed_ = true;
-          papplLogJob(job_, PAPPL_LOGLEVEL_ERROR, "Unable to send the job stream to the printer");
-          Cancel();
-        }
+      if (n > 0) {
+        if (!discarded_) held_.append(buf, static_cast<size_t>(n));
       } else if (n == 0 || (n < 0 && errno != EINTR)) {
         outOpen = false;
       }
@@ -227,34 +247,4 @@ void TFilterRun::Pump() {
     }
   }
   if (!pending.empty()) HandleLine(pending);
-  papplDeviceFlush(device_);
-}
-
-// 'TFilterRun::HandleLine()' - "PAGE:", "INFO:", "WARNING:", "ERROR:".
-void TFilterRun::HandleLine(const std::string& raw) {
-  std::string line = Run_Clean(raw);
-  auto text = [&](size_t prefix) {
-    size_t start = line.find_first_not_of(' ', prefix);
-    return start == std::string::npos ? std::string() : line.substr(start);
-  };
-  if (line.compare(0, 5, "PAGE:") == 0) {
-    papplLogJob(job_, PAPPL_LOGLEVEL_DEBUG, "Filter page %s", text(5).c_str());
-  } else if (line.compare(0, 5, "INFO:") == 0) {
-    papplLogJob(job_, PAPPL_LOGLEVEL_INFO, "%s", text(5).c_str());
-    if (messages_->warnings == 0 && messages_->errors == 0) papplJobSetMessage(job_, "%s", text(5).c_str());
-  } else if (line.compare(0, 8, "WARNING:") == 0) {
-    messages_->warnings++;
-    messages_->lastWarning = text(8);
-    papplLogJob(job_, PAPPL_LOGLEVEL_WARN, "%s", text(8).c_str());
-    papplJobSetReasons(job_, PAPPL_JREASON_WARNINGS_DETECTED, PAPPL_JREASON_NONE);
-    if (messages_->errors == 0) papplJobSetMessage(job_, "Warning: %s", text(8).c_str());
-  } else if (line.compare(0, 6, "ERROR:") == 0) {
-    messages_->errors++;
-    messages_->lastError = text(6);
-    papplLogJob(job_, PAPPL_LOGLEVEL_ERROR, "%s", text(6).c_str());
-    papplJobSetReasons(job_, PAPPL_JREASON_ERRORS_DETECTED, PAPPL_JREASON_NONE);
-    papplJobSetMessage(job_, "Error: %s", text(6).c_str());
-  } else if (!line.empty()) {
-    papplLogJob(job_, PAPPL_LOGLEVEL_DEBUG, "Filter: %s", line.c_str());
-  }
 }

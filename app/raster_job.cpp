@@ -8,15 +8,16 @@
 // and a new one started for the next card.
 #include "app/raster_job.h"
 
+#include <cstring>
 #include <memory>
 #include <string>
 
 #include "app/accessories.h"
+#include "app/filter_args.h"
 #include "app/filter_run.h"
 #include "app/job_options.h"
 #include "app/models.h"
-
-extern char** environ;
+#include "app/raster_copies.h"
 
 namespace {
 
@@ -28,30 +29,20 @@ struct TRasterJob {
   TFilterArgs args;
   TFilterMessages messages;
   std::unique_ptr<TFilterRun> run;
-  int pagesInCard = 0;   // pages given to the current run
-  int cardPages = 0;     // pages the current card takes
+  std::unique_ptr<TRasterCopies> copies;  // streamed raster with copies > 1
+  int copiesWanted = 1;
+  int pagesInCard = 0;    // pages given to the current run
+  int cardPages = 0;      // pages the current card takes
   int cards = 0;
+  unsigned rowsInPage = 0;
+  unsigned pageRows = 0;  // rows the page header announces
+  unsigned pagesSeen = 0;
+  unsigned totalPages = 0;  // pages a PWG header announces (0: not said)
   bool failed = false;
+  bool stoppedByUs = false;  // the job was cancelled here to end PAPPL's reading
+  std::string incomplete;    // why the document is not whole, when it is not
+  std::string failMessage;   // the job's message when it failed here, not in the filter
 };
-
-// 'RasterJob_Env()' - The filter's environment: the spooler's variables
-// (PPD, DEVICE_URI with the serial number, PRINTER) and a few of ours.
-std::vector<std::string> RasterJob_Env(const TAppModel& model, const TAccessories& acc, pappl_printer_t* printer) {
-  std::vector<std::string> env;
-  std::string uri = papplPrinterGetDeviceURI(printer);
-  uri = uri.substr(0, uri.find('?'));
-  if (!acc.serial.empty()) uri += "?serial=" + acc.serial;
-  env.push_back("PPD=" + App_PpdPath(model));
-  env.push_back("DEVICE_URI=" + uri);
-  env.push_back(std::string("PRINTER=") + papplPrinterGetName(printer));
-  env.push_back("CONTENT_TYPE=application/vnd.cups-raster");
-  env.push_back("FINAL_CONTENT_TYPE=application/vnd.brellian-job");
-  for (const char* keep : {"PATH", "HOME", "LANG", "TMPDIR"}) {
-    const char* v = getenv(keep);
-    if (v) env.push_back(std::string(keep) + "=" + v);
-  }
-  return env;
-}
 
 // 'RasterJob_NewCard()' - Finish the run of the last card, start one for the next.
 bool RasterJob_NewCard(pappl_job_t* job, pappl_device_t* device, TRasterJob* rj) {
@@ -67,57 +58,27 @@ bool RasterJob_NewCard(pappl_job_t* job, pappl_device_t* device, TRasterJob* rj)
                           std::to_string(rj->cards) + ".ras";
   if (!rj->run->Start(rj->args)) {
     rj->failed = true;
-    papplJobSetMessage(job, "Unable to start the card filter");
+    rj->failMessage = "Unable to start the card filter.";
     return false;
   }
   return true;
 }
 
-}  // namespace
-
-// 'RasterJob_StartJob()' - Options of the job; the first run starts with the first page.
-bool RasterJob_StartJob(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t*) {
-  pappl_printer_t* printer = papplJobGetPrinter(job);
-  const TAppModel* model = App_FindModel(papplPrinterGetDriverName(printer));
-  if (!model) return false;
-  TRasterJob* rj = new TRasterJob;
-  rj->model = model;
-  rj->acc = Acc_Load(printer, *model);
-  ipp_t* attrs = papplPrinterGetDriverAttributes(printer);
-  std::string refused;
-  rj->values = JobOpt_Collect(*model, rj->acc, options->num_vendor, options->vendor, attrs, &refused);
-  ippDelete(attrs);
-  if (!refused.empty())
-    papplLogJob(job, PAPPL_LOGLEVEL_WARN, "Values not offered by this printer, defaults used: %s", refused.c_str());
-  std::string areasError;
-  if (!JobOpt_CheckAreas(rj->values, &areasError)) {
-    // A card without the areas asked for would be a wrong card: the job
-    // is not printed, and says why.
-    papplLogJob(job, PAPPL_LOGLEVEL_ERROR, "%s", areasError.c_str());
-    papplJobSetReasons(job, PAPPL_JREASON_ERRORS_DETECTED, PAPPL_JREASON_NONE);
-    papplJobSetMessage(job, "Not printed: %s.", areasError.c_str());
-    delete rj;
-    return false;
-  }
-  std::string opts = JobOpt_FilterOptions(rj->acc, rj->values);
-  const char* user = papplJobGetUsername(job);
-  const char* title = papplJobGetName(job);
-  rj->args.filter = App_FilterPath();
-  rj->args.argv = {std::to_string(papplJobGetID(job)), user ? user : "guest", title ? title : "", "1", opts};
-  rj->args.env = RasterJob_Env(*model, rj->acc, printer);
-  papplLogJob(job, PAPPL_LOGLEVEL_DEBUG, "Filter options: %s", opts.c_str());
-  papplLogJob(job, PAPPL_LOGLEVEL_DEBUG, "Filter environment: %s %s %s", rj->args.env[0].c_str(),
-              rj->args.env[1].c_str(), rj->args.env[2].c_str());
-  papplJobSetData(job, rj);
-  return true;
+// 'RasterJob_StopReading()' - The filter has failed: cancel the job so that
+// PAPPL stops reading the rest of the page from the client (its row loop
+// ends only on a cancel), which frees the printer at once.  The job's
+// message still names the filter's error.
+void RasterJob_StopReading(pappl_job_t* job, TRasterJob* rj) {
+  rj->failed = true;
+  if (rj->stoppedByUs || papplJobIsCanceled(job)) return;
+  rj->stoppedByUs = true;
+  papplLogJob(job, PAPPL_LOGLEVEL_ERROR, "The card filter has stopped; the rest of the document is not read");
+  papplJobCancel(job);
 }
 
-// 'RasterJob_StartPage()' - A new card when the current one has all its pages.
-bool RasterJob_StartPage(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* device, unsigned) {
-  TRasterJob* rj = static_cast<TRasterJob*>(papplJobGetData(job));
-  if (!rj || rj->failed) return false;
-  if (papplJobIsCanceled(job)) return false;
-  cups_page_header2_t* h = &options->header;
+// 'RasterJob_BeginPage()' - A page header: a new card when the current one
+// has all its pages, then the header into the filter.
+bool RasterJob_BeginPage(pappl_job_t* job, pappl_device_t* device, TRasterJob* rj, cups_page_header2_t* h) {
   if (!rj->run || rj->pagesInCard >= rj->cardPages) {
     if (!RasterJob_NewCard(job, device, rj)) return false;
     bool duplex = h->Duplex != 0;
@@ -132,6 +93,66 @@ bool RasterJob_StartPage(pappl_job_t* job, pappl_pr_options_t* options, pappl_de
   return true;
 }
 
+// 'RasterJob_Copies()' - The further copies of a streamed raster document,
+// read back from the kept file through the same cards.
+void RasterJob_Copies(pappl_job_t* job, pappl_device_t* device, TRasterJob* rj) {
+  for (int copy = 2; copy <= rj->copiesWanted && !rj->failed && !papplJobIsCanceled(job); ++copy) {
+    rj->pagesInCard = rj->cardPages;  // each copy starts a new card
+    bool ok = rj->copies->Replay(
+        [&](cups_page_header2_t* h) { return RasterJob_BeginPage(job, device, rj, h); },
+        [&](const unsigned char* row, unsigned bytes) {
+          return !papplJobIsCanceled(job) && rj->run->WriteRow(row, bytes);
+        },
+        [&]() { return !papplJobIsCanceled(job); });
+    if (!ok && !papplJobIsCanceled(job)) {
+      rj->failed = true;
+      rj->failMessage = "Copy " + std::to_string(copy) + " of the document could not be printed.";
+    }
+  }
+}
+
+}  // namespace
+
+// 'RasterJob_StartJob()' - Options of the job; the first run starts with the first page.
+bool RasterJob_StartJob(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t*) {
+  TRasterJob* rj = new TRasterJob;
+  if (!Args_ForJob(job, options, "application/vnd.cups-raster", &rj->model, &rj->acc, &rj->values, &rj->args)) {
+    delete rj;
+    return false;
+  }
+  const char* format = papplJobGetFormat(job);
+  bool streamed = format && (!strcmp(format, "image/pwg-raster") || !strcmp(format, "image/urf"));
+  rj->copiesWanted = options->copies > 1 ? options->copies : 1;
+  if (streamed && rj->copiesWanted > 1) {
+    rj->copies.reset(new TRasterCopies);
+    if (!rj->copies->Open()) {
+      papplJobSetMessage(job, "Unable to keep the document for its %d copies.", rj->copiesWanted);
+      delete rj;
+      return false;
+    }
+  }
+  papplJobSetData(job, rj);
+  return true;
+}
+
+// 'RasterJob_StartPage()' - A new card when the current one has all its pages.
+bool RasterJob_StartPage(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* device, unsigned) {
+  TRasterJob* rj = static_cast<TRasterJob*>(papplJobGetData(job));
+  if (!rj || rj->failed) return false;
+  if (papplJobIsCanceled(job)) return false;
+  cups_page_header2_t* h = &options->header;
+  rj->pagesSeen++;
+  rj->rowsInPage = 0;
+  rj->pageRows = h->cupsHeight;
+  if (rj->pagesSeen == 1) rj->totalPages = h->cupsInteger[CUPS_RASTER_PWG_TotalPageCount];
+  if (rj->copies && !rj->copies->WriteHeader(h)) rj->copies.reset();
+  if (!RasterJob_BeginPage(job, device, rj, h)) {
+    RasterJob_StopReading(job, rj);
+    return false;
+  }
+  return true;
+}
+
 // 'RasterJob_WriteLine()' - One row; a cancel ends the run with SIGTERM.
 bool RasterJob_WriteLine(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t*, unsigned, const unsigned char* line) {
   TRasterJob* rj = static_cast<TRasterJob*>(papplJobGetData(job));
@@ -140,42 +161,75 @@ bool RasterJob_WriteLine(pappl_job_t* job, pappl_pr_options_t* options, pappl_de
     rj->run->Cancel();
     return false;
   }
-  if (!rj->run->WriteRow(line, options->header.cupsBytesPerLine)) rj->failed = true;
+  rj->rowsInPage++;
+  if (rj->copies && !rj->copies->WriteRow(line, options->header.cupsBytesPerLine)) rj->copies.reset();
+  if (!rj->run->WriteRow(line, options->header.cupsBytesPerLine)) RasterJob_StopReading(job, rj);
   return !rj->failed;
 }
 
-// 'RasterJob_EndPage()' - Nothing to do but notice a cancel.
-bool RasterJob_EndPage(pappl_job_t* job, pappl_pr_options_t*, pappl_device_t*, unsigned) {
+// 'RasterJob_EndPage()' - A page that did not arrive whole fails the job:
+// the filter is killed and nothing of its stream reaches the printer.
+bool RasterJob_EndPage(pappl_job_t* job, pappl_pr_options_t*, pappl_device_t*, unsigned page) {
   TRasterJob* rj = static_cast<TRasterJob*>(papplJobGetData(job));
   if (!rj) return false;
-  if (papplJobIsCanceled(job) && rj->run) rj->run->Cancel();
+  if (papplJobIsCanceled(job)) {
+    if (rj->run && !rj->stoppedByUs) rj->run->Cancel();
+    return !rj->failed;
+  }
+  if (!rj->failed && rj->rowsInPage < rj->pageRows) {
+    rj->incomplete = "page " + std::to_string(page) + " has " + std::to_string(rj->rowsInPage) + " of its " +
+                     std::to_string(rj->pageRows) + " rows";
+    if (rj->run) rj->run->Discard();
+    rj->failed = true;
+  }
   return !rj->failed;
 }
 
-// 'RasterJob_EndJob()' - Finish the last run; the job's final message.
-bool RasterJob_EndJob(pappl_job_t* job, pappl_pr_options_t*, pappl_device_t*) {
+// 'RasterJob_EndJob()' - Finish the last run, print the further copies; the
+// job's final message.
+bool RasterJob_EndJob(pappl_job_t* job, pappl_pr_options_t*, pappl_device_t* device) {
   TRasterJob* rj = static_cast<TRasterJob*>(papplJobGetData(job));
   if (!rj) return false;
-  bool cancelled = papplJobIsCanceled(job);
+  bool cancelled = papplJobIsCanceled(job) && !rj->stoppedByUs;
+  if (!rj->failed && !cancelled && rj->totalPages > rj->pagesSeen) {
+    rj->incomplete = std::to_string(rj->pagesSeen) + " of its " + std::to_string(rj->totalPages) + " pages arrived";
+    rj->failed = true;
+    if (rj->run) rj->run->Discard();
+  }
+  if (!rj->failed && !cancelled && rj->copiesWanted > 1 && rj->copies) RasterJob_Copies(job, device, rj);
+  else if (!rj->failed && !cancelled && rj->copiesWanted > 1 && papplJobGetFormat(job) &&
+           (!strcmp(papplJobGetFormat(job), "image/pwg-raster") || !strcmp(papplJobGetFormat(job), "image/urf"))) {
+    rj->failed = true;
+    rj->failMessage = "The document could not be kept for its copies (is the temporary directory full?).";
+  }
   if (rj->run) {
     if (cancelled) rj->run->Cancel();
     if (!rj->run->Finish() && !cancelled) rj->failed = true;
   }
   rj->run.reset();
   bool ok = !rj->failed && rj->cards > 0;
-  if (rj->failed && !cancelled)
-    papplJobSetMessage(job, "%s", rj->messages.errors > 0 ? rj->messages.lastError.c_str() : "Printing failed.");
-  else if (cancelled)
+  if (!rj->incomplete.empty()) {
+    papplLogJob(job, PAPPL_LOGLEVEL_ERROR, "The document did not arrive whole: %s", rj->incomplete.c_str());
+    papplJobSetMessage(job, "The document did not arrive whole (%s); nothing was sent to the printer.",
+                       rj->incomplete.c_str());
+    papplJobSetReasons(job, PAPPL_JREASON_DOCUMENT_FORMAT_ERROR, PAPPL_JREASON_NONE);
+  } else if (rj->failed && !cancelled) {
+    papplJobSetMessage(job, "%s", rj->messages.errors > 0      ? rj->messages.lastError.c_str()
+                                  : !rj->failMessage.empty() ? rj->failMessage.c_str()
+                                                             : "Printing failed.");
+    papplJobSetReasons(job, PAPPL_JREASON_ERRORS_DETECTED, PAPPL_JREASON_NONE);
+  } else if (cancelled) {
     papplJobSetMessage(job, "Cancelled.");
-  else if (rj->cards == 0)
+  } else if (rj->cards == 0) {
     papplJobSetMessage(job, "No pages found.");
-  else if (rj->messages.errors > 0)
+  } else if (rj->messages.errors > 0) {
     papplJobSetMessage(job, "Error: %s", rj->messages.lastError.c_str());
-  else if (rj->messages.warnings > 0)
+  } else if (rj->messages.warnings > 0) {
     papplJobSetMessage(job, "%d card%s printed with warnings: %s", rj->cards, rj->cards == 1 ? "" : "s",
                        rj->messages.lastWarning.c_str());
-  else
+  } else {
     papplJobSetMessage(job, "%d card%s printed.", rj->cards, rj->cards == 1 ? "" : "s");
+  }
   if (ok && rj->messages.warnings > 0)
     papplJobSetReasons(job, PAPPL_JREASON_JOB_COMPLETED_WITH_WARNINGS, PAPPL_JREASON_NONE);
   else if (ok && !cancelled)  // PAPPL 1.3.1 answers a streamed Print-Job without job-state-reasons when none is set

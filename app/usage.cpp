@@ -91,6 +91,8 @@ static const char USAGE[] =
     "  BRELLIAN_FILTER    the rastertobrellian to run (default " BRELLIAN_APP_FILTER ")\n"
     "  BRELLIAN_PPD_DIR   directory of br1030.ppd, br1035.ppd, br1060.ppd\n"
     "                     (default " BRELLIAN_APP_PPD_DIR ")\n"
+    "  BRELLIAN_CUPS_FILTER_DIR  directory of pdftopdf and gstoraster for PDF jobs\n"
+    "                     (default " BRELLIAN_APP_CUPS_FILTER_DIR ")\n"
     "  XDG_CONFIG_HOME    where a server not run as root keeps its state file\n"
     "\n"
     "Files:\n"
