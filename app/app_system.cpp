@@ -125,8 +125,8 @@ std::vector<pappl_pr_driver_t>& App_Drivers() {
     const TAppModel* models = App_Models(&count);
     ids.reserve(static_cast<size_t>(count));
     for (int32_t i = 0; i < count; ++i) {
-      ids.push_back("MFG:Brellian;MDL:BR-" + std::to_string(models[i].id) + ";CMD:BRELLIAN;");
-      drivers.push_back({models[i].driverName, models[i].description, ids.back().c_str(), nullptr});
+      ids.push_back(Model_DeviceId(models[i]) + "CMD:BRELLIAN;");
+      drivers.push_back({models[i].driverName, App_Description(models[i]), ids.back().c_str(), nullptr});
     }
   }
   return drivers;

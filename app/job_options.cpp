@@ -4,6 +4,7 @@
 
 #include "app/pappl_driver.h"
 #include "app/vendor_table.h"
+#include "options/sides.h"
 
 namespace {
 
@@ -26,11 +27,29 @@ std::string JobOpt_Default(ipp_t* attrs, const TVendorAttr& a) {
   return s ? s : "";
 }
 
+// 'JobOpt_Boolean()' - "1"/"yes" and "0"/"no" as IPP booleans, for a
+// boolean attribute; anything else unchanged.
+std::string JobOpt_Boolean(const TVendorAttr& a, std::string v) {
+  if (a.kind == VENDOR_BOOLEAN && (v == "1" || v == "yes")) v = "true";
+  if (a.kind == VENDOR_BOOLEAN && (v == "0" || v == "no")) v = "false";
+  return v;
+}
+
 // 'JobOpt_Valid()' - A value the printer takes for an attribute.
 bool JobOpt_Valid(const TAppModel& model, const TAccessories& acc, const TVendorAttr& a, const std::string& v) {
   if (a.kind == VENDOR_BOOLEAN) return v == "true" || v == "false";
   if (a.kind == VENDOR_KEYWORD) return Vendor_FindChoice(a, v) && Driver_Offered(model, acc, a.name.c_str(), v.c_str());
   return v.size() <= 255;
+}
+
+// 'JobOpt_UnknownKeys()' - Name in *refused each item of a carrier's text
+// that is no option it carries.
+void JobOpt_UnknownKeys(const TVendorAttr& carrier, const std::string& text, std::string* refused) {
+  for (const std::string& key : Vendor_CarriedKeys(text)) {
+    bool known = false;
+    for (const TVendorAttr& a : Vendor_Table()) known = known || (a.carrier == carrier.name && a.carrierKey == key);
+    if (!known) *refused += (refused->empty() ? "" : ", ") + carrier.name + ":" + key;
+  }
 }
 
 }  // namespace
@@ -43,17 +62,27 @@ TCardValues JobOpt_Collect(const TAppModel& model, const TAccessories& acc, int 
     if (!Driver_Offered(model, acc, a.name.c_str(), "")) continue;
     const char* jobValue = cupsGetOption(a.name.c_str(), numVendor, vendor);
     std::string v = JobOpt_Default(driverAttrs, a);
+    std::string carried;
+    if (!a.carrier.empty()) {
+      // A carried option: its item in the carrier's default, then in the
+      // carrier the job sent.
+      const TVendorAttr* carrier = Vendor_Find(a.carrier);
+      std::string defaults = carrier ? JobOpt_Default(driverAttrs, *carrier) : std::string();
+      if (!Vendor_CarriedValue(defaults, a.carrierKey, &v)) v.clear();
+      const char* jobText = cupsGetOption(a.carrier.c_str(), numVendor, vendor);
+      jobValue = jobText && Vendor_CarriedValue(jobText, a.carrierKey, &carried) ? carried.c_str() : nullptr;
+    }
+    v = JobOpt_Boolean(a, v);
     if (!JobOpt_Valid(model, acc, a, v)) v = a.defaultValue;
     if (jobValue) {
-      std::string j = jobValue;
-      if (a.kind == VENDOR_BOOLEAN && (j == "1" || j == "yes")) j = "true";
-      if (a.kind == VENDOR_BOOLEAN && (j == "0" || j == "no")) j = "false";
+      std::string j = JobOpt_Boolean(a, jobValue);
       if (JobOpt_Valid(model, acc, a, j))
         v = j;
       else if (refused)
         *refused += (refused->empty() ? "" : ", ") + a.name + "=" + j;
     }
     values[a.name] = v;
+    if (a.kind == VENDOR_CARRIER && jobValue && refused) JobOpt_UnknownKeys(a, jobValue, refused);
   }
   return values;
 }
@@ -91,8 +120,8 @@ bool JobOpt_ParseAreas(const std::string& text, int side, std::map<std::string, 
       area.erase(0, area.find_first_not_of(' '));
       area.erase(area.find_last_not_of(' ') + 1);
       if (area.empty()) continue;
-      if (++k > 5) {
-        *error = "more than 5 areas for " + name;
+      if (++k > AREAS_PER_GROUP) {
+        *error = "more than " + std::to_string(AREAS_PER_GROUP) + " areas for " + name;
         return false;
       }
       (*out)[sideWord + word + std::to_string(k)] = area;
@@ -122,11 +151,16 @@ std::string JobOpt_FilterOptions(const TAccessories& acc, const TCardValues& val
   std::string s = "ribbonType=" + acc.ribbonType + " flipTurn=" + inst(acc.flipTurn) + " laminator=" +
                   inst(acc.laminator) + " magEncoder=" + inst(acc.magEncoder) + " icEncoder=" + inst(acc.icEncoder) +
                   " icEncoderContactless=" + inst(acc.icEncoderContactless);
+  // The black rendering of the shipped PPDs: pure black kept solid beside
+  // grey and colour.  No card attribute chooses it yet.
+  s += " frontBlackMode=SolidBlack backBlackMode=SolidBlack";
   for (const TVendorAttr& a : Vendor_Table()) {
     auto it = values.find(a.name);
     if (it == values.end()) continue;
     const std::string& v = it->second;
-    if (a.kind == VENDOR_KEYWORD) {
+    if (a.kind == VENDOR_CARRIER) {
+      continue;  // its options are in values under their own names
+    } else if (a.kind == VENDOR_KEYWORD) {
       s += " " + a.ppdKeyword + "=" + Vendor_FindChoice(a, v)->ppdChoice;
     } else if (a.kind == VENDOR_BOOLEAN) {
       s += " " + a.ppdKeyword + "=" + (v == "true" ? "Yes" : "No");

@@ -39,7 +39,7 @@ int main(int argc, char* argv[]) {
   const TAppModel* models = App_Models(&count);
   static std::vector<pappl_pr_driver_t> drivers;
   for (int32_t i = 0; i < count; ++i)
-    drivers.push_back({models[i].driverName, models[i].description, nullptr, nullptr});
+    drivers.push_back({models[i].driverName, App_Description(models[i]), nullptr, nullptr});
   return papplMainloop(argc, argv, BRELLIAN_APP_VERSION, nullptr, static_cast<int>(drivers.size()), drivers.data(),
                        Driver_AutoAdd, Driver_Callback, nullptr, nullptr, App_SystemCallback, App_Usage, nullptr);
 }

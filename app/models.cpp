@@ -6,18 +6,8 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
-#include "status/device_id.h"
-
-namespace {
-
-const TAppModel kModels[] = {
-    {1030, "brellian_1030", "Brellian BR-1030", "br1030.ppd", 300, false},
-    {1035, "brellian_1035", "Brellian BR-1035", "br1035.ppd", 300, true},
-    {1060, "brellian_1060", "Brellian BR-1060", "br1060.ppd", 600, true},
-};
-
-}  // namespace
 
 // Self-describing PWG names: a card is 85.6 x 54 mm, the panel 1036 x 664
 // dots at 300 dpi (87.71 x 56.22 mm).
@@ -29,34 +19,33 @@ const char* const g_appMedia[APP_MEDIA_COUNT] = {
 };
 
 // 'App_Models()' - The model table.
-const TAppModel* App_Models(int32_t* count) {
-  *count = static_cast<int32_t>(sizeof(kModels) / sizeof(kModels[0]));
-  return kModels;
-}
+const TAppModel* App_Models(int32_t* count) { return Model_All(count); }
 
 // 'App_FindModel()' - Look a driver name up.
 const TAppModel* App_FindModel(const char* driverName) {
   if (!driverName) return nullptr;
-  for (const TAppModel& m : kModels)
-    if (strcmp(m.driverName, driverName) == 0) return &m;
+  int32_t count = 0;
+  const TAppModel* models = Model_All(&count);
+  for (int32_t i = 0; i < count; ++i)
+    if (strcmp(models[i].driverName, driverName) == 0) return &models[i];
   return nullptr;
 }
 
-// 'App_ModelFromDeviceId()' - Match MFG/MDL (or DESC) of a device ID.
-const TAppModel* App_ModelFromDeviceId(const char* deviceId) {
-  if (!deviceId || !*deviceId) return nullptr;
-  char* mfg = DeviceId_GetValue("MFG:", deviceId);
-  char* mdl = DeviceId_GetValue("MDL:", deviceId);
-  if (!mfg) mfg = DeviceId_GetValue("MANUFACTURER:", deviceId);
-  if (!mdl) mdl = DeviceId_GetValue("MODEL:", deviceId);
-  const TAppModel* found = nullptr;
-  if (mfg && mdl && strcasestr(mfg, "brellian")) {
-    for (const TAppModel& m : kModels)
-      if (strstr(mdl, std::to_string(m.id).c_str())) found = &m;
-  }
-  free(mfg);
-  free(mdl);
-  return found;
+// 'App_ModelFromDeviceId()' - The model table's device-ID match.
+const TAppModel* App_ModelFromDeviceId(const char* deviceId) { return Model_FromDeviceId(deviceId); }
+
+// 'App_Description()' - Made once for every model, in table order.
+const char* App_Description(const TAppModel& model) {
+  static const std::vector<std::string> texts = [] {
+    int32_t count = 0;
+    const TAppModel* models = Model_All(&count);
+    std::vector<std::string> out;
+    for (int32_t i = 0; i < count; ++i) out.push_back(std::string(MODEL_MAKER) + " " + models[i].name);
+    return out;
+  }();
+  int32_t count = 0;
+  const TAppModel* models = Model_All(&count);
+  return texts[static_cast<size_t>(&model - models)].c_str();
 }
 
 // 'App_PpdPath()' - Where the model's PPD is.

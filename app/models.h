@@ -5,15 +5,11 @@
 #include <cstdint>
 #include <string>
 
-// One model as the application offers it.
-struct TAppModel {
-  uint32_t id;              // 1030, 1035, 1060
-  const char* driverName;   // PAPPL driver name, e.g. "brellian_1060"
-  const char* description;  // driver description shown in lists
-  const char* ppdName;      // file name of the model's PPD
-  int32_t dpi;              // the model's resolution
-  bool twoSided;            // a flip-turn unit can be installed
-};
+#include "status/models.h"
+
+// One model as the application offers it: an entry of the model table
+// (driver name, PPD file, resolution, two-sidedness).
+using TAppModel = TModelInfo;
 
 // Media of every model: CR80 landscape and portrait, the whole panel.
 constexpr int32_t APP_MEDIA_COUNT = 4;
@@ -24,15 +20,20 @@ extern const char* const g_appMedia[APP_MEDIA_COUNT];
 // is not shrunk to fit.
 constexpr int32_t APP_MEDIA_MARGIN = 1;
 
-// 'App_Models()' - The three models; *count receives their number.
+// 'App_Models()' - The models of the model table; *count receives their number.
 const TAppModel* App_Models(int32_t* count);
 
 // 'App_FindModel()' - The model of a driver name, or nullptr.
 const TAppModel* App_FindModel(const char* driverName);
 
-// 'App_ModelFromDeviceId()' - The model a device ID names (its MDL or DESC
-// field holding 1030, 1035 or 1060 from a maker called Brellian), or nullptr.
+// 'App_ModelFromDeviceId()' - The model a device ID names (Model_FromDeviceId:
+// the maker and a model's display name), or nullptr.
 const TAppModel* App_ModelFromDeviceId(const char* deviceId);
+
+// 'App_Description()' - "Brellian BR-NNNN": the maker and the display name,
+// the driver description shown in lists.  The text lives as long as the
+// process.
+const char* App_Description(const TAppModel& model);
 
 // 'App_PpdPath()' - Full path of the model's PPD: the build's PPD directory,
 // or $BRELLIAN_PPD_DIR when set.

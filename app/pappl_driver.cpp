@@ -30,7 +30,7 @@ void Driver_FillData(const TAppModel& model, const TAccessories& acc, pappl_pr_d
   data->delete_cb = nullptr;
   data->printfile_cb = Raw_PrintFile;
   data->format = "application/vnd.brellian-job";
-  snprintf(data->make_and_model, sizeof(data->make_and_model), "%s", model.description);
+  snprintf(data->make_and_model, sizeof(data->make_and_model), "%s", App_Description(model));
   data->ppm = 1;
   data->ppm_color = 1;
   data->kind = PAPPL_KIND_PHOTO;
@@ -96,7 +96,9 @@ void Driver_AddVendor(const TAppModel& model, const TAccessories& acc, ipp_t* ol
                       ipp_t* attrs) {
   data->num_vendor = 0;
   for (const TVendorAttr& a : Vendor_Table()) {
-    if (!Driver_Offered(model, acc, a.name.c_str(), "") || data->num_vendor >= PAPPL_MAX_VENDOR) continue;
+    // A carried option has no slot: its carrier stands for it.
+    if (!a.carrier.empty() || !Driver_Offered(model, acc, a.name.c_str(), "")) continue;
+    if (data->num_vendor >= PAPPL_MAX_VENDOR) continue;
     data->vendor[data->num_vendor++] = a.name.c_str();
     ipp_attribute_t* prev = Driver_OldDefault(old, a.name);
     std::string def = a.name + "-default", sup = a.name + "-supported";
@@ -131,14 +133,8 @@ bool Driver_Offered(const TAppModel& model, const TAccessories& acc, const char*
   if (a->needs == NEEDS_LAMINATOR && !acc.laminator) return false;
   if (a->needs == NEEDS_MAG_ENCODER && !acc.magEncoder) return false;
   if (!keyword || !*keyword) return true;
-  std::string n = attrName, k = keyword;
-  bool uvAttr = n.size() > 3 && n.compare(n.size() - 3, 3, "-uv") == 0;
-  bool poAttr = n.size() > 8 && n.compare(n.size() - 8, 8, "-overlay") == 0;
-  if (uvAttr && k != "none") return acc.ribbonType == "YMCK-UV";
-  if (poAttr && k != "none") return acc.ribbonType == "YMCK-PO";
-  bool ribbonAttr = n.size() > 7 && n.compare(n.size() - 7, 7, "-ribbon") == 0;
-  if (ribbonAttr && acc.ribbonType == "Black") return k == "monochrome";
-  return true;
+  const TVendorChoice* choice = Vendor_FindChoice(*a, keyword);
+  return !choice || Vendor_RibbonAllows(choice->ribbon, acc.ribbonType);
 }
 
 // 'Driver_Callback()' - A new printer: model defaults, no saved accessories yet.

@@ -20,6 +20,7 @@
 #include "lib/tool_model.h"
 #include "util/safe_file.h"
 #include "lib/uv_image.h"
+#include "app/vendor_table.h"
 
 namespace {
 
@@ -119,12 +120,13 @@ bool Presets_ApplyValues(const std::string& serial, const std::map<std::string, 
 bool Presets_InstallUv(const std::string& serial, uint32_t model, int preset, const std::string& name,
                        const std::string& fit, const std::string& png, std::string* error) {
   TUvFit how;
-  if (preset < 1 || preset > 5) return *error = "The UV preset must be 1 to 5.", false;
+  if (preset < 1 || preset > SETTINGS_NAMES)
+    return *error = "The UV preset must be 1 to " + std::to_string(SETTINGS_NAMES) + ".", false;
   if (!Presets_CheckName(name, error)) return false;
   if (!Uv_ParseFit(fit, &how)) return *error = "Unknown fit \"" + fit + "\".", false;
   TPngImage rgb;
   if (!Png_DecodeRGB(png, &rgb, error)) return *error = "Not a usable PNG picture: " + *error, false;
-  TPanelGeometry g = g_panelGeometry[model];
+  TPanelGeometry g = Panel_ModelGeometry(model);
   std::vector<uint8_t> panel;
   if (!Uv_FromImage(rgb, g.width, g.height, how, &panel, error)) return false;
   std::lock_guard<std::mutex> lock(g_presetsLock);
@@ -144,7 +146,8 @@ bool Presets_InstallUv(const std::string& serial, uint32_t model, int preset, co
 // 'Presets_InstallLut()' - CSV checked, then lut.N.
 bool Presets_InstallLut(const std::string& serial, int table, const std::string& name, const std::string& bytes,
                         std::string* error) {
-  if (table < 1 || table > 3) return *error = "The colour table must be 1 to 3.", false;
+  if (table < 1 || table > APP_COLOR_TABLES)
+    return *error = "The colour table must be 1 to " + std::to_string(APP_COLOR_TABLES) + ".", false;
   if (!Presets_CheckName(name, error)) return false;
   if (name.find('.') != std::string::npos)
     return *error = "\"" + name + "\" is not a plain name (letters, digits, no \".\" or \"/\").", false;

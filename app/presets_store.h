@@ -56,7 +56,7 @@ bool Presets_CheckName(const std::string& name, std::string* error);
 constexpr size_t PRESETS_MAX_PNG_BYTES = 2u * 1024u * 1024u;
 // Longest UV or table name, in bytes.
 constexpr size_t PRESETS_MAX_NAME = 128;
-// Most UV files kept: each is a whole panel (2.75 MB for the 1060), so
+// Most UV files kept: each is a whole panel (2.75 MB at 600 dpi), so
 // the configuration folder holds at most about 140 MB of them.  Replacing
 // an installed file is always allowed.
 constexpr size_t PRESETS_MAX_UV_FILES = 50;

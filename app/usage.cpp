@@ -2,13 +2,17 @@
 // Copyright 2026 The rastertobrellian authors.
 #include "app/app_system.h"
 
+#include <string>
+
+#include "status/model_text.h"
+
 static const char USAGE[] =
     "Usage: brellian-printer-app SUB-COMMAND [OPTIONS] [FILES]\n"
     "       brellian-printer-app [OPTIONS] [FILES]\n"
     "       brellian-printer-app OPTIONS\n"
     "\n"
     "An IPP Everywhere printer application for Brellian retransfer ID-card printers\n"
-    "(models BR-1030, BR-1035 and BR-1060).  It accepts PWG raster, Apple raster,\n"
+    "(models {names-and}).  It accepts PWG raster, Apple raster,\n"
     "JPEG and PNG from any IPP client (phones, tablets, computers, CUPS) and prints\n"
     "every card through rastertobrellian, so the printer receives the same job\n"
     "stream as from a CUPS queue with the PPD.  A web interface on the same port\n"
@@ -21,7 +25,7 @@ static const char USAGE[] =
     "  default          Set the default printer.\n"
     "  delete           Delete a printer.\n"
     "  devices          List devices.\n"
-    "  drivers          List drivers (brellian_1030, brellian_1035, brellian_1060).\n"
+    "  drivers          List drivers ({drivers}).\n"
     "  jobs             List jobs.\n"
     "  modify           Modify a printer.\n"
     "  options          List the available options.\n"
@@ -39,9 +43,8 @@ static const char USAGE[] =
     "  -a                   Cancel all jobs (cancel).\n"
     "  -d PRINTER           Specify the printer.\n"
     "  -j JOB-ID            Specify the job ID (cancel).\n"
-    "  -m DRIVER-NAME       Specify the driver (add/modify): brellian_1030,\n"
-    "                       brellian_1035 or brellian_1060; \"auto\" picks it from\n"
-    "                       a USB printer's device ID.\n"
+    "  -m DRIVER-NAME       Specify the driver (add/modify): {drivers-or};\n"
+    "                       \"auto\" picks it from a USB printer's device ID.\n"
     "  -n COPIES            Specify the number of copies (submit).\n"
     "  -o NAME=VALUE        Specify an option (add/default/modify/server/submit).\n"
     "  -u URI               Specify the ipp: or ipps: URI of a server.\n"
@@ -73,10 +76,12 @@ static const char USAGE[] =
     "  brellian-front-ribbon, brellian-back-ribbon    color, color-k, grayscale, monochrome\n"
     "  brellian-front-resin, brellian-back-resin      page, preset-1..preset-10, custom-areas\n"
     "  brellian-front-uv, brellian-back-uv            none, page, preset-1..preset-5\n"
-    "  brellian-front-uv-mark-corner, ...-back-...    upper-right, lower-left\n"
     "  brellian-front-overlay, brellian-back-overlay  none, page, preset-1..preset-10, custom-areas\n"
     "  brellian-front-color-table, ...-back-...       firmware, table-1, table-2, table-3\n"
-    "  brellian-front-secure-erase, brellian-front-rotate (and back)   true, false\n"
+    "  brellian-front-rotate, brellian-back-rotate    true, false\n"
+    "  brellian-front-options, brellian-back-options  the side's less-used options,\n"
+    "      KEY=VALUE items separated by commas: uv-mark-corner=upper-right|lower-left,\n"
+    "      secure-erase=true|false\n"
     "  brellian-front-custom-areas, brellian-back-custom-areas\n"
     "      resin=AREA;AREA | no-resin=AREA | overlay-off=AREA | overlay-keep=AREA,\n"
     "      each AREA \"LEFT TOP WIDTH HEIGHT\" with units px, mm, cm or in\n"
@@ -89,7 +94,7 @@ static const char USAGE[] =
     "\n"
     "Environment:\n"
     "  BRELLIAN_FILTER    the rastertobrellian to run (default " BRELLIAN_APP_FILTER ")\n"
-    "  BRELLIAN_PPD_DIR   directory of br1030.ppd, br1035.ppd, br1060.ppd\n"
+    "  BRELLIAN_PPD_DIR   directory of {ppds}\n"
     "                     (default " BRELLIAN_APP_PPD_DIR ")\n"
     "  BRELLIAN_CUPS_FILTER_DIR  directory of pdftopdf and gstoraster for PDF jobs\n"
     "                     (default " BRELLIAN_APP_CUPS_FILTER_DIR ")\n"
@@ -100,5 +105,8 @@ static const char USAGE[] =
     "  /var/spool/brellian-printer-app/      device settings of each printer, spool files\n"
     "  /etc/brellian/                        card presets, UV images, colour tables\n";
 
-// 'App_UsageText()' - The text above.
-const char* App_UsageText() { return USAGE; }
+// 'App_UsageText()' - The text above, the models named from the model table.
+const char* App_UsageText() {
+  static const std::string text = Model_Expand(USAGE);
+  return text.c_str();
+}

@@ -9,6 +9,7 @@
 #include "app/web_access.h"
 #include "app/web_pages.h"
 #include "app/web_presets_forms.h"
+#include "app/vendor_table.h"
 #include "app/web_upload.h"
 
 namespace {
@@ -20,8 +21,10 @@ bool Web_PresetUpload(const TMultipartForm& mp, int num_form, cups_option_t* for
   bool uv = action == "uv";
   std::string name = Web_FormValue(num_form, form, uv ? "uv-name" : "lut-name");
   int number = 0;
-  if (!Web_ParseNumber(Web_FormValue(num_form, form, uv ? "uv-preset" : "lut-table"), 1, uv ? 5 : 3, &number)) {
-    *message = uv ? "The UV preset must be a number from 1 to 5." : "The colour table must be a number from 1 to 3.";
+  int most = uv ? SETTINGS_NAMES : APP_COLOR_TABLES;
+  if (!Web_ParseNumber(Web_FormValue(num_form, form, uv ? "uv-preset" : "lut-table"), 1, most, &number)) {
+    *message = std::string(uv ? "The UV preset" : "The colour table") + " must be a number from 1 to " +
+               std::to_string(most) + ".";
     return false;
   }
   // The name is checked before the upload is read, so that a bad name is

@@ -9,6 +9,7 @@
 #include "app/presets_store.h"
 #include "lib/settings_keys.h"
 #include "app/web_access.h"
+#include "app/vendor_table.h"
 #include "app/web_upload.h"
 
 namespace {
@@ -60,10 +61,10 @@ void Web_PresetAreaTable(pappl_client_t* client, const TBrellianSettings& s, TSe
                         "<h3>%s</h3>\n<table class=\"list\"><tr><th>Preset</th><th colspan=\"3\">%s</th>"
                         "<th colspan=\"3\">%s</th></tr>\n",
                         title, group0, group1);
-  for (int p = 0; p < 10; ++p) {
+  for (int p = 0; p < SETTINGS_PRESETS; ++p) {
     papplClientHTMLPrintf(client, "<tr><td>%d</td>", p + 1);
-    for (int g = 0; g < 2; ++g)
-      for (int k = 0; k < 3; ++k) {
+    for (int g = 0; g < SETTINGS_GROUPS; ++g)
+      for (int k = 0; k < SETTINGS_FILE_AREAS; ++k) {
         papplClientHTMLPuts(client, "<td>");
         Web_PresetInput(client, s, TSettingsKey{kind, p, g, k}, 16);
         papplClientHTMLPuts(client, "</td>");
@@ -94,10 +95,10 @@ void Web_PresetSettingsForm(pappl_client_t* client, const char* path, const TBre
   Web_PresetSelect(client, s, TSettingsKey{SETKEY_MAG_PO_MODE, 0, 0, 0}, "Overlay over the stripe",
                  {{"unset", "printer setting"}, {"disabled", "disabled"}, {"enabled", "enabled"}},
                  "used when a job says \"printer setting\"");
-  for (int i = 0; i < 3; ++i)
+  for (int i = 0; i < APP_COLOR_TABLES; ++i)
     Web_PresetSelect(client, s, TSettingsKey{SETKEY_LUT_NAME, 0, 0, i}, ("Colour table " + std::to_string(i + 1)).c_str(),
                    Web_PresetNameChoices(lut), "an installed colour table");
-  for (int i = 0; i < 5; ++i)
+  for (int i = 0; i < SETTINGS_NAMES; ++i)
     Web_PresetSelect(client, s, TSettingsKey{SETKEY_UV_NAME, 0, 0, i}, ("UV preset " + std::to_string(i + 1)).c_str(),
                    Web_PresetNameChoices(uv), "an installed UV image");
   papplClientHTMLPuts(client, "<tr><th></th><td><input type=\"submit\" id=\"save-settings\" value=\"Save presets\">"
@@ -169,7 +170,7 @@ void Web_PresetForms(pappl_client_t* client, const char* path, const char* previ
                         "<input type=\"hidden\" name=\"action\" value=\"uv\">\n<table class=\"form\">\n"
                         "<tr><th><label for=\"uv-preset\">Preset:</label></th><td><select name=\"uv-preset\" "
                         "id=\"uv-preset\">");
-  papplClientHTMLPuts(client, Web_PresetOptions(5).c_str());
+  papplClientHTMLPuts(client, Web_PresetOptions(SETTINGS_NAMES).c_str());
   papplClientHTMLPrintf(client,
                         "</select></td></tr>\n"
                         "<tr><th><label for=\"uv-name\">File name:</label></th><td><input type=\"text\" name=\"uv-name\" "
@@ -190,7 +191,7 @@ void Web_PresetForms(pappl_client_t* client, const char* path, const char* previ
                         "<input type=\"hidden\" name=\"action\" value=\"lut\">\n<table class=\"form\">\n"
                         "<tr><th><label for=\"lut-table\">Table:</label></th><td><select name=\"lut-table\" "
                         "id=\"lut-table\">");
-  papplClientHTMLPuts(client, Web_PresetOptions(3).c_str());
+  papplClientHTMLPuts(client, Web_PresetOptions(APP_COLOR_TABLES).c_str());
   papplClientHTMLPrintf(client,
                         "</select></td></tr>\n"
                         "<tr><th><label for=\"lut-name\">Name:</label></th><td><input type=\"text\" name=\"lut-name\" "

@@ -9,6 +9,7 @@
 
 #include "backend/usbbr.h"
 #include "backend/usbbr_lower.h"
+#include "status/model_text.h"
 
 volatile sig_atomic_t g_usbbrCancel = 0;
 
@@ -19,21 +20,21 @@ static const char HELP[] =
     "  or:  usbbr job-id user title copies options [file]\n"
     "  or:  usbbr --help\n"
     "\n"
-    "The CUPS backend of Brellian retransfer ID-card printers (models 1030, 1035\n"
-    "and 1060) on USB.  The spooler runs it; it is not meant to be run by hand\n"
+    "The CUPS backend of Brellian retransfer ID-card printers (models {ids-and})\n"
+    "on USB.  The spooler runs it; it is not meant to be run by hand\n"
     "except to list printers.  It does not talk to USB itself: it runs the\n"
     "spooler's own usb backend (" USBBR_LOWER_BACKEND "), which\n"
     "finds the printer, claims its print interface and sends the data.\n"
     "\n"
-    "Without arguments it lists every connected printer of the three models, one\n"
+    "Without arguments it lists every connected printer of these models, one\n"
     "line each: the class \"direct\", the URI\n"
     "usbbr://MAKER/MODEL?serial=SERIAL (for example\n"
-    "usbbr://Brellian/BR-1060?serial=ABC123), then, each in double quotes, the\n"
-    "make and model (\"Brellian BR-1060\"), the make and model with the serial\n"
+    "usbbr://Brellian/{default-name}?serial=ABC123), then, each in double quotes, the\n"
+    "make and model (\"Brellian {default-name}\"), the make and model with the serial\n"
     "number, the IEEE 1284 device ID and an empty location.\n"
     "\n"
     "A printer is listed when the IEEE 1284 device ID it reports names the maker\n"
-    "\"Brellian\" (MFG:) and the model BR-1030, BR-1035 or BR-1060 (MDL:).  The URI\n"
+    "\"Brellian\" (MFG:) and the model {names-or} (MDL:).  The URI\n"
     "is usbbr://MFG/MDL?serial=SERN from that device ID; a device ID without SERN:\n"
     "takes the serial number of the usb backend's URI.  Other printers are left to\n"
     "the usb backend.\n"
@@ -63,7 +64,7 @@ static const char HELP[] =
     "Examples:\n"
     "  lpinfo -v | grep usbbr\n"
     "\n"
-    "  lpadmin -p cards -E -v 'usbbr://Brellian/BR-1060?serial=ABC123' -P br1060.ppd\n"
+    "  lpadmin -p cards -E -v 'usbbr://Brellian/{default-name}?serial=ABC123' -P {default-ppd}\n"
     "\n"
     "Exit status (CUPS backend codes): 0 the printers were listed, the job was\n"
     "sent, or it was cancelled before it reached the printer; 1 wrong arguments,\n"
@@ -77,7 +78,7 @@ static void Usbbr_OnSigterm(int) { g_usbbrCancel = 1; }
 int main(int argc, char** argv) {
   setbuf(stderr, nullptr);
   if (argc == 2 && (strcmp(argv[1], "--help") == 0 || strcmp(argv[1], "-h") == 0)) {
-    fputs(HELP, stdout);
+    fputs(Model_Expand(HELP).c_str(), stdout);
     return CUPS_BACKEND_OK;
   }
   struct sigaction action;

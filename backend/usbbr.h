@@ -7,7 +7,7 @@
 // Set by the SIGTERM handler: the job was cancelled.
 extern volatile sig_atomic_t g_usbbrCancel;
 
-// 'Usbbr_Discover()' - List every connected Brellian 1030, 1035 and 1060 as
+// 'Usbbr_Discover()' - List every connected printer of the model table as
 // a "direct usbbr://..." line on standard output.  Returns a CUPS backend
 // exit status.
 int Usbbr_Discover();

@@ -7,11 +7,9 @@
 #include <cstdlib>
 
 #include "status/device_id.h"
-#include "status/tables.h"
+#include "status/models.h"
 
 namespace {
-
-const unsigned kModels[] = {1030, 1035, 1060};
 
 // 'Usbbr_Take()' - A malloc'd string as std::string (empty for null), freed.
 std::string Usbbr_Take(char* text) {
@@ -20,17 +18,9 @@ std::string Usbbr_Take(char* text) {
   return out;
 }
 
-// 'Usbbr_IsCardPrinter()' - True when the device ID names the maker and
-// one of the three models (both compared without regard to case).
-bool Usbbr_IsCardPrinter(const std::string& deviceId) {
-  std::string mfg = Usbbr_Take(DeviceId_GetValue("MFG:", deviceId.c_str()));
-  std::string mdl = Usbbr_Take(DeviceId_GetValue("MDL:", deviceId.c_str()));
-  if (strcasecmp(mfg.c_str(), USBBR_MAKER) != 0) return false;
-  if (g_modelNames.empty()) Status_BuildTables();
-  for (unsigned model : kModels)
-    if (strcasecmp(mdl.c_str(), Status_ModelName(model)) == 0) return true;
-  return false;
-}
+// 'Usbbr_IsCardPrinter()' - True when the device ID names the maker and a
+// model of the model table (Model_FromDeviceId).
+bool Usbbr_IsCardPrinter(const std::string& deviceId) { return Model_FromDeviceId(deviceId.c_str()) != nullptr; }
 
 }  // namespace
 

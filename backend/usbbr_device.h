@@ -7,12 +7,14 @@
 
 #include "backend/backend_line.h"
 
+#include "status/models.h"
+
 // The manufacturer a printer's device ID must name ("MFG:").
-constexpr const char* USBBR_MAKER = "Brellian";
+constexpr const char* USBBR_MAKER = MODEL_MAKER;
 
 // 'Usbbr_FromLower()' - The usbbr device of a printer that the USB backend
-// listed: its device ID must name the maker and one of the models 1030,
-// 1035, 1060 by display name.  The URI, make and model are those of
+// listed: its device ID must name the maker and a model of the model table
+// by display name.  The URI, make and model are those of
 // DeviceId_Parse; a device ID without "SERN:" takes the serial of the USB
 // URI.  False for any other printer.
 bool Usbbr_FromLower(const TBackendDevice& lower, TBackendDevice* device);

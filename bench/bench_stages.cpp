@@ -158,6 +158,19 @@ void BM_HalftonePure(benchmark::State& state) {
   Bench_Rate(state, kDots);
 }
 
+// The "SolidBlack" black rendering of the photo page, beside the designed
+// diffusion of the same page (BM_BilevelFS_Production).
+void BM_HalftoneSolidBlack(benchmark::State& state) {
+  const std::vector<uint8_t>& rgb = Bench_Photo();
+  for (auto _ : state) {
+    uint8_t* out = nullptr;
+    Image_HalftoneSolidBlack(Bench_Task(), rgb.data(), &out);
+    benchmark::DoNotOptimize(out);
+    free(out);
+  }
+  Bench_Rate(state, kDots);
+}
+
 template <bool kReference>
 void BM_Resin(benchmark::State& state) {
   TPrintingTask* task = Bench_Task();
@@ -215,6 +228,7 @@ BENCHMARK_TEMPLATE(BM_Bilevel, true)->Name("BM_BilevelFS_Reference")->Unit(bench
 BENCHMARK_TEMPLATE(BM_Bilevel, false)->Name("BM_BilevelFS_Production")->Unit(benchmark::kMillisecond);
 BENCHMARK_TEMPLATE(BM_HalftonePure, true)->Name("BM_HalftonePure_Reference")->Unit(benchmark::kMillisecond);
 BENCHMARK_TEMPLATE(BM_HalftonePure, false)->Name("BM_HalftonePure_Production")->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_HalftoneSolidBlack)->Unit(benchmark::kMillisecond);
 BENCHMARK_TEMPLATE(BM_Resin, true)->Name("BM_Resin_Reference")->Unit(benchmark::kMillisecond);
 BENCHMARK_TEMPLATE(BM_Resin, false)->Name("BM_Resin_Production")->Unit(benchmark::kMillisecond);
 BENCHMARK_TEMPLATE(BM_Luma, 0)->Name("BM_InvertedLuma_Reference")->Unit(benchmark::kMillisecond);

@@ -13,6 +13,7 @@
 #include <cups/raster.h>
 
 #include "imaging/panel.h"
+#include "status/models.h"
 
 namespace {
 
@@ -97,9 +98,11 @@ bool Fuzz_PageJob(const uint8_t* data, size_t size, TFuzzJob* job) {
   uint8_t o[FUZZ_OPTION_BYTES] = {};
   size_t head = size < FUZZ_OPTION_BYTES ? size : FUZZ_OPTION_BYTES;
   for (size_t i = 0; i < head; ++i) o[i] = data[i];
-  static const uint32_t kModels[] = {1030, 1035, 1060};
-  job->model = kModels[(o[0] & 0x7F) % 3];
-  job->ppd = std::string(BRELLIAN_FUZZ_PPD_DIR) + "/br" + std::to_string(job->model) + ".ppd";
+  int32_t count = 0;
+  const TModelInfo* models = Model_All(&count);
+  const TModelInfo& model = models[(o[0] & 0x7F) % count];
+  job->model = model.id;
+  job->ppd = std::string(BRELLIAN_FUZZ_PPD_DIR) + "/" + model.ppdName;
   job->smallPanels = (o[0] & 0x80) == 0;
   job->options = Fuzz_Options(o);
 

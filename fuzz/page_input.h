@@ -11,7 +11,7 @@
 constexpr size_t FUZZ_OPTION_BYTES = 8;
 
 struct TFuzzJob {
-  uint32_t model = 1030;      // 1030, 1035 or 1060
+  uint32_t model = 0;         // a model number of the model table
   std::string ppd;            // that model's PPD file
   bool smallPanels = true;    // panels of a sixteenth of the model's size
   std::string options;        // the options argument

@@ -53,7 +53,7 @@ bool Settings_SetValue(TBrellianSettings* settings, const TSettingsKey& key, con
                        std::string* error);
 
 // 'Settings_SetCheckModel()' - Check areas at the resolution of model
-// (1030, 1035 or 1060) only; 0, the default, checks them at every model's.
+// (a model number of the model table) only; 0, the default, checks them at every model's.
 void Settings_SetCheckModel(uint32_t model);
 
 // 'Settings_CheckArea()' - Empty when text is an area string the filter

@@ -12,6 +12,7 @@
 #include "lib/atomic_file.h"
 #include "brellian_paths.h"
 #include "log/log.h"
+#include "status/models.h"
 #include "status/tables.h"
 #include "util/safe_file.h"
 #include "util/str.h"
@@ -25,17 +26,19 @@ void Tool_Init() {
 
 // 'Tool_ParseModel()' - Match a model id or display name.
 bool Tool_ParseModel(const std::string& text, uint32_t* model) {
-  for (const auto& entry : g_modelNames) {
-    if (text == std::to_string(entry.first) || strcasecmp(text.c_str(), entry.second.c_str()) == 0) {
-      *model = entry.first;
+  int32_t count = 0;
+  const TModelInfo* models = Model_All(&count);
+  for (int32_t i = 0; i < count; ++i) {
+    if (text == std::to_string(models[i].id) || strcasecmp(text.c_str(), models[i].name) == 0) {
+      *model = models[i].id;
       return true;
     }
   }
   return false;
 }
 
-// 'Tool_SettingsModelName()' - The name of model 1060.
-std::string Tool_SettingsModelName() { return Status_ModelName(1060); }
+// 'Tool_SettingsModelName()' - The name of the default model.
+std::string Tool_SettingsModelName() { return Model_Default().name; }
 
 // 'Tool_LoadSettingsFile()' - Missing (1), read (0) or unreadable (-1).
 int32_t Tool_LoadSettingsFile(const std::string& path, TBrellianSettings* settings, std::string* error) {

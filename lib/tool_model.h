@@ -13,13 +13,13 @@
 // filter's trace log, which the library's readers would otherwise feed.
 void Tool_Init();
 
-// 'Tool_ParseModel()' - A model id "1030", "1035" or "1060", or a model's
-// display name (any case), into *model; false for anything else.
+// 'Tool_ParseModel()' - A model number of the model table ("NNNN") or a
+// model's display name (any case), into *model; false for anything else.
 bool Tool_ParseModel(const std::string& text, uint32_t* model);
 
 // 'Tool_SettingsModelName()' - The model name of the settings file the
 // filter reads: the filter looks its settings up before it has settled the
-// queue's model, always under the name of model 1060.
+// queue's model, always under the name of the default model.
 std::string Tool_SettingsModelName();
 
 // 'Tool_LoadSettingsFile()' - Read the settings file at path into

@@ -119,7 +119,9 @@ export CUPS_SERVER=/tmp/cups.sock
 for i in $(seq 600); do lpstat -r 2>/dev/null | grep -q "is running" && break; sleep 0.1; done
 lpstat -r | grep -q "is running"
 # Each model is offered once, and a printer's device ID finds its PPD file.
-for m in 1030 1035 1060; do
+# The models are those of the installed PPD files (one per model).
+test -n "$(ls /usr/share/ppd/brellian/)"
+for m in $(sed -n 's/^\*cupsModelNumber: *//p' /usr/share/ppd/brellian/*.ppd); do
   test "$(lpinfo -m | grep -c "Brellian BR-$m")" = 1
   lpinfo --device-id "MFG:Brellian;MDL:BR-$m;CLS:PRINTER;SERN:X;" -m | head -n 1 | grep -q "brellian/br$m.ppd "
 done

@@ -18,7 +18,7 @@ rm -f "$log"
 echo "== 1. Rendering the sample card to CUPS raster (5 pages, 2072 x 1328 dots, 600 dpi)"
 "$build/tools/brellian-samplecard" "$out/card.ras"
 
-options="frontRibbon=ColorK backRibbon=ColorK frontResin=Page backResin=Page frontPO=Page"
+options="ribbonType=YMCK-PO frontRibbon=ColorK backRibbon=ColorK frontResin=Page backResin=Page frontPO=Page"
 echo "== 2. Running the filter as the spooler would:"
 echo "   PPD=$build/ppd/br1060.ppd rastertobrellian 42 demo \"Sample card\" 1 \"$options\" card.ras"
 PPD="$PWD/$build/ppd/br1060.ppd" PRINTER=demo-queue DEVICE_URI="usbbr://Brellian/BR-1060?serial=DEMO1" \

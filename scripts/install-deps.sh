@@ -16,6 +16,9 @@ if [ "${1:-}" = "--full" ]; then
   # Real documents of the end-to-end tests: a Code 128 bar code made with
   # barcode, and a screenshot shipped in valgrind's documentation.
   packages+=(barcode valgrind)
+  # The photo badge of the black rendering test: its Code 128 bar code is
+  # made with zint and read back from the black panel with zbarimg.
+  packages+=(zint zbar-tools)
 fi
 
 missing=()

@@ -5,13 +5,11 @@
 #include <cstdlib>
 
 #include "log/log.h"
+#include "status/models.h"
 #include "status/tables.h"
 
-// The model a job prints on when nothing says otherwise.
-constexpr uint32_t kDefaultModel = 1060;
-
 TPrintingTask::TPrintingTask(int32_t argcIn, char** argvIn)
-    : argc(argcIn), argv(argvIn), modelName(Status_ModelName(kDefaultModel)) {
+    : argc(argcIn), argv(argvIn), modelName(Status_ModelName(Model_Default().id)) {
   for (auto& side : lutTable)
     for (auto& channel : side)
       for (int i = 0; i < 256; ++i) channel[i] = static_cast<uint8_t>(i);

@@ -33,6 +33,7 @@ class TPrintingTask {
   int32_t lutCode(int32_t side) const { return side ? backLUTTable : frontLUTTable; }
   int32_t uvMAC(int32_t side) const { return side ? backUVMAC : frontUVMAC; }
   int32_t secureErase(int32_t side) const { return side ? backSecureErase : frontSecureErase; }
+  int32_t blackMode(int32_t side) const { return side ? backBlackMode : frontBlackMode; }
   const std::string& uvFile(int32_t side) const { return side ? backUVFile : frontUVFile; }
 
   int32_t argc;
@@ -96,6 +97,9 @@ class TPrintingTask {
   TArea poAreas[2][2][AREAS_PER_GROUP] = {};    // [side][peel-off, keep][area]
   std::string frontUVFile, backUVFile;
   TMagTrack magTracks[3] = {};
+  // Black rendering of each side (frontBlackMode/backBlackMode):
+  // BLACK_MODE_DIFFUSE, the designed one, or BLACK_MODE_SOLID.
+  int32_t frontBlackMode = 0, backBlackMode = 0;
 
   // Where the job command stream goes: standard output in the filter, a
   // memory stream or a file in tests.  Not owned.

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "driver/printing_task.h"
@@ -100,6 +101,11 @@ int32_t Page_ProcessSubPage_UVManual(TPrintingTask* task) {  // I - Job
       Warn_UVFileLeftOut(task, path);
       free(panel);
     } else {
+      // A longer file is printed from its first W x H bytes, as designed;
+      // one of another model's size gives a garbled UV image, so say so.
+      struct stat st;
+      if (fstat(fileno(file), &st) == 0 && static_cast<unsigned long long>(st.st_size) > size)
+        Warn_UVFileTooLong(task, path, static_cast<unsigned long long>(st.st_size));
       if (task->rotation(s) == 1) Image_Rotate180(task, panel, g.width, g.height, 1);
       Page_SendPanel(task, PANEL_UV, panel);
     }

@@ -164,14 +164,7 @@ int32_t Page_Process(TPrintingTask* task,                  // I - Job
       Image_ToGrayInPlace(task, rgb);  // a grayscale side prints its colour panel in gray
   }
 
-  if (task->cardOpen == 0) {
-    Job_StartCard(task);
-    Job_WriteMagEncode(task);
-  }
-  if (task->sideOpen == 0) {
-    Job_StartSide(task);
-    Job_WriteLUTTable(task);
-  }
+  Job_OpenSide(task);
 
   int32_t printed = task->subPage;
   Page_Produce(task, rgb);

@@ -120,6 +120,26 @@ void Warn_UVFileLeftOut(const TPrintingTask* task, const char* path) {
              kSideWords[s], static_cast<int>(task->uv(s) - 1), path, why.c_str());
 }
 
+// 'Warn_UVFileTooLong()' - Name the option, the file, both sizes and, when
+// the size is another model's panel, that model.
+void Warn_UVFileTooLong(const TPrintingTask* task, const char* path, unsigned long long bytes) {
+  const int32_t s = Warn_Side(task);
+  TPanelGeometry g = Panel_Geometry(task);
+  unsigned long long need = static_cast<unsigned long long>(g.width) * g.height;
+  std::string other;
+  for (uint32_t model : {1030u, 1060u}) {
+    TPanelGeometry m = Panel_ModelGeometry(model);
+    if (static_cast<unsigned long long>(m.width) * m.height == bytes)
+      other = " (the size of a " + std::to_string(m.width) + " x " + std::to_string(m.height) + " panel, model " +
+              std::to_string(model) + (model == 1030 ? " or 1035" : "") + ")";
+  }
+  Warn_Write("%s UV panel is not the UV image that was made: %sUV=Preset%d names UV file %s of %llu bytes%s, "
+             "more than the %u x %u = %llu of model %d's panel, and only its first %llu bytes are printed; "
+             "make the UV image again for this model with brellian-uvimage", kSideNames[s], kSideWords[s],
+             static_cast<int>(task->uv(s) - 1), path, bytes, other.c_str(), g.width, g.height, need,
+             static_cast<int>(task->printerModel), need);
+}
+
 // 'Warn_PageBeyondCard()' - Count the page on the task.
 void Warn_PageBeyondCard(TPrintingTask* task, int32_t page) {
   if (task->pagesBeyondCard++ == 0) task->firstPageBeyondCard = page;

@@ -22,6 +22,10 @@ void Warn_PanelLeftOut(const TPrintingTask* task, int32_t panelType);
 // whole (missing, not a regular file, shorter than the panel, unreadable).
 void Warn_UVFileLeftOut(const TPrintingTask* task, const char* path);
 
+// 'Warn_UVFileTooLong()' - The side's UV preset file holds bytes bytes,
+// more than the model's panel: only the first W x H are printed.
+void Warn_UVFileTooLong(const TPrintingTask* task, const char* path, unsigned long long bytes);
+
 // 'Warn_PageBeyondCard()' - Page number page is read after the card was
 // complete and is not printed; counted on the task for Warn_JobEnd.
 void Warn_PageBeyondCard(TPrintingTask* task, int32_t page);

@@ -37,6 +37,8 @@ void Image_Bilevel(TPrintingTask* task, const uint8_t* rgb, uint8_t** out,
                    const TDiffusionKernel& kernel, int32_t threshold);
 // 'Image_Halftone()' - The black panel of a side.
 int32_t Image_Halftone(TPrintingTask* task, const uint8_t* rgb, uint8_t** out);
+// 'Image_HalftoneSolidBlack()' - The black panel with pure black kept solid.
+int32_t Image_HalftoneSolidBlack(TPrintingTask* task, const uint8_t* rgb, uint8_t** out);
 // 'Area_ToSpan()' - The dots x0 <= x < x1, y0 <= y < y1 an area covers.
 void Area_ToSpan(const TArea* area, uint32_t width, uint32_t height, int32_t* x0, int32_t* y0,
                  int32_t* x1, int32_t* y1);

@@ -45,12 +45,16 @@ int32_t Page_ProcessSubPage_RGB(TPrintingTask* task,  // I - Job
   return 0;
 }
 
-// 'Page_ProcessSubPage_K()' - Write the halftoned black panel.  Returns 0.
+// 'Page_ProcessSubPage_K()' - Write the halftoned black panel, in the
+// side's black rendering.  Returns 0.
 int32_t Page_ProcessSubPage_K(TPrintingTask* task,  // I - Job
                               uint8_t* rgb) {       // I - Side image, not freed
   Log_Write(LOG_ENTRYEXIT, ">>>> Page_ProcessSubPage_K");
   uint8_t* k = nullptr;
-  Image_Halftone(task, rgb, &k);
+  if (task->blackMode(task->sideIndex) == BLACK_MODE_SOLID)
+    Image_HalftoneSolidBlack(task, rgb, &k);
+  else
+    Image_Halftone(task, rgb, &k);
   Page_SendPanel(task, PANEL_K, k);
   Log_Write(LOG_ENTRYEXIT, "<<<< Page_ProcessSubPage_K");
   return 0;

@@ -136,3 +136,16 @@ void Job_EndCard(TPrintingTask* task) {
   Rec_EndCard(record, task->cardId);
   Job_WriteCommand(task, record);
 }
+
+// 'Job_OpenSide()' - What is not open yet: the card with its magnetic
+// record, then the side with its lookup table.
+void Job_OpenSide(TPrintingTask* task) {
+  if (task->cardOpen == 0) {
+    Job_StartCard(task);
+    Job_WriteMagEncode(task);
+  }
+  if (task->sideOpen == 0) {
+    Job_StartSide(task);
+    Job_WriteLUTTable(task);
+  }
+}

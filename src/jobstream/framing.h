@@ -19,6 +19,10 @@ void Job_WriteMagEncode(TPrintingTask* task);
 void Job_StartSide(TPrintingTask* task);
 // 'Job_WriteLUTTable()' - Write ICMD_LUTTABLE of the current side.
 void Job_WriteLUTTable(TPrintingTask* task);
+// 'Job_OpenSide()' - Open the card (Job_StartCard, Job_WriteMagEncode) and
+// the side (Job_StartSide, Job_WriteLUTTable) when they are not open: the
+// order page processing writes them in before a side's first panel.
+void Job_OpenSide(TPrintingTask* task);
 // 'Job_EndSide()' - Write ICMD_ENDSIDE; ends the card after its last side.
 int32_t Job_EndSide(TPrintingTask* task);
 // 'Job_EndCard()' - Write ICMD_ENDCARD.

@@ -19,8 +19,9 @@ const TChoiceCode kRibbons[] = {{"Monochrome", 0}, {"Grayscale", 1}, {"ColorK", 
 const TChoiceCode kResins[] = {
     {"Page", 0},     {"Preset1", 1}, {"Preset2", 2}, {"Preset3", 3}, {"Preset4", 4},
     {"Preset5", 5},  {"Preset6", 6}, {"Preset7", 7}, {"Preset8", 8}, {"Preset9", 9},
-    {"Preset10", 10}, {"CustomAreas", 11},
+    {"Preset10", 10}, {"CustomAreas", 11}, {"Card", 12},
 };
+const TChoiceCode kBlackModes[] = {{"Diffuse", 0}, {"SolidBlack", 1}};
 const TChoiceCode kUVs[] = {
     {"Page", 1}, {"Preset1", 2}, {"Preset2", 3}, {"Preset3", 4}, {"Preset4", 5}, {"Preset5", 6},
 };
@@ -64,6 +65,8 @@ const TChoiceKeyword g_choiceKeywords[] = {
     {"frontPO", CHOICES(kPOs), 0},
     {"backPO", CHOICES(kPOs), 0},
     {"cardLaminate", CHOICES(kYes), 0},
+    {"frontBlackMode", CHOICES(kBlackModes), 0},
+    {"backBlackMode", CHOICES(kBlackModes), 0},
 };
 const size_t g_choiceKeywordCount = sizeof g_choiceKeywords / sizeof g_choiceKeywords[0];
 

@@ -46,3 +46,12 @@ int32_t Opt_ReadKeyword(const TOptionContext* ctx, const char* keyword) {
 uint32_t Opt_Resolution(const TOptionContext* ctx) {
   return Panel_ModelResolution(static_cast<uint32_t>(ctx->task->printerModel));
 }
+
+int32_t Opt_ReadAdded(const TOptionContext* ctx, const char* keyword) {
+  const TChoiceKeyword* entry = Opt_ChoiceKeyword(keyword);
+  int32_t fallback = entry ? entry->fallback : 0;
+  std::string text;
+  if (!ctx->ppd || !ctx->ppd->Choice(keyword, &text, nullptr)) return fallback;
+  Log_Write(LOG_LOG, "  %s::[%s]", keyword, text.empty() ? "NULL" : text.c_str());
+  return entry ? Opt_Lookup(entry->choices, entry->count, text, fallback) : fallback;
+}

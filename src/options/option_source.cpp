@@ -50,6 +50,19 @@ std::string Source_CustomText(ppd_file_t* ppd, const char* keyword) {
   }
 }
 
+// 'Source_Meets()' - True when keyword is marked with choice, or, for an
+// empty choice, with anything but None, Off or False (the constraint rule
+// of PPD files).  *marked receives the marked choice.
+bool Source_Meets(ppd_file_t* ppd, const std::string& keyword, const std::string& choice,
+                  std::string* marked) {
+  ppd_choice_t* c = ppdFindMarkedChoice(ppd, keyword.c_str());
+  if (!c) return false;
+  *marked = c->choice;
+  if (!choice.empty()) return strcasecmp(c->choice, choice.c_str()) == 0;
+  return strcasecmp(c->choice, "None") != 0 && strcasecmp(c->choice, "Off") != 0 &&
+         strcasecmp(c->choice, "False") != 0;
+}
+
 }  // namespace
 
 TOptionSource::~TOptionSource() { Close(); }
@@ -114,6 +127,46 @@ std::vector<std::pair<std::string, std::string>> TOptionSource::IgnoredTextValue
   }
   cupsFreeOptions(count, parsed);
   return ignored;
+}
+
+std::vector<std::vector<std::pair<std::string, std::string>>> TOptionSource::ViolatedConstraints() const {
+  std::vector<std::vector<std::pair<std::string, std::string>>> hits;
+  if (!ppd_) return hits;
+  for (ppd_attr_t* attr = ppdFindAttr(Ppd(ppd_), "cupsUIConstraints", nullptr); attr;
+       attr = ppdFindNextAttr(Ppd(ppd_), "cupsUIConstraints", nullptr)) {
+    if (!attr->value) continue;
+    // "*kw1 choice1 *kw2 *kw3 choice3": a choice follows its keyword or not.
+    std::vector<std::pair<std::string, std::string>> named;
+    const char* p = attr->value;
+    while (*p) {
+      while (*p == ' ' || *p == '\t') ++p;
+      const char* start = p;
+      while (*p && *p != ' ' && *p != '\t') ++p;
+      std::string token(start, static_cast<size_t>(p - start));
+      if (token.empty()) break;
+      if (token[0] == '*') named.emplace_back(token.substr(1), std::string());
+      else if (!named.empty() && named.back().second.empty()) named.back().second = token;
+    }
+    if (named.size() < 2) continue;
+    std::vector<std::pair<std::string, std::string>> marked;
+    bool all = true;
+    for (const auto& option : named) {
+      std::string choice;
+      all = all && Source_Meets(Ppd(ppd_), option.first, option.second, &choice);
+      if (!all) break;
+      marked.emplace_back(option.first, choice);
+    }
+    bool seen = false;
+    for (const auto& hit : hits) seen = seen || hit == marked;
+    if (all && !seen) hits.push_back(marked);
+  }
+  return hits;
+}
+
+bool TOptionSource::HasChoice(const char* keyword, const char* choice) const {
+  if (!ppd_) return false;
+  ppd_option_t* option = ppdFindOption(Ppd(ppd_), keyword);
+  return option && ppdFindChoice(option, choice) != nullptr;
 }
 
 int32_t TOptionSource::ModelNumber() const { return ppd_ ? Ppd(ppd_)->model_number : 0; }

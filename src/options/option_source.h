@@ -38,6 +38,17 @@ class TOptionSource {
   // its keyword and value, in the order given.
   std::vector<std::pair<std::string, std::string>> IgnoredTextValues(const char* options) const;
 
+  // 'ViolatedConstraints()' - The PPD's cupsUIConstraints that the marked
+  // choices meet in full: every option a constraint names is marked with
+  // the choice it names, or, where it names none, with a choice other than
+  // None, Off or False.  Each as the options it names (keyword and marked
+  // choice, a custom value as "Custom"), in its own order, in the PPD's
+  // order; a constraint repeated under another name counts once.
+  std::vector<std::vector<std::pair<std::string, std::string>>> ViolatedConstraints() const;
+
+  // 'HasChoice()' - True when the PPD's option keyword has the choice.
+  bool HasChoice(const char* keyword, const char* choice) const;
+
   // 'ModelNumber()' - The PPD's *cupsModelNumber (0 when absent).
   int32_t ModelNumber() const;
 

@@ -44,6 +44,11 @@ int32_t Opt_ReadCode(const TOptionContext* ctx, const char* keyword, const TChoi
 int32_t Opt_ReadKeyword(const TOptionContext* ctx, const char* keyword);
 int32_t Opt_ReadKeyword(const TOptionContext* ctx, const char* keyword, int32_t fallback);
 
+// 'Opt_ReadAdded()' - Opt_ReadKeyword for a keyword added beside the
+// designed ones: a PPD or job without it gets the entry's fallback and no
+// log line at all, so that its trace stays the designed one.
+int32_t Opt_ReadAdded(const TOptionContext* ctx, const char* keyword);
+
 // 'Opt_Resolution()' - Dots per inch of the task's model, for area strings.
 uint32_t Opt_Resolution(const TOptionContext* ctx);
 
@@ -66,6 +71,7 @@ void Opt_ReadCardEject(TOptionContext* ctx);
 std::string Opt_PresetReason(const TOptionContext* ctx, const std::string& entry);
 void Warn_Areas(const TOptionContext* ctx);                              // resin and overlay areas
 void Warn_IgnoredValues(const TOptionContext* ctx, const char* options);  // text options without "Custom."
+void Warn_Constraints(const TOptionContext* ctx);  // options the queue's installed options rule out
 void Warn_MagTrack(int32_t track, const std::string& format, const std::string& data,
                    const TMagTrack& result);
 void Warn_UVPreset(const TOptionContext* ctx, const char* keyword, int32_t uv, const std::string& name,

@@ -4,23 +4,13 @@
 #include "log/log.h"
 #include "options/option_source.h"
 #include "options/read_context.h"
+#include "status/models.h"
 #include "status/tables.h"
-
-namespace {
-
-
-// Model id and whether it carries a flip/turn unit.
-struct TModelFlip {
-  int32_t model;
-  int32_t flipTurn;
-};
-const TModelFlip kModels[] = {{1030, 0}, {1035, 1}, {1060, 1}};
-
-}  // namespace
 
 // 'Opt_ReadInstalled()' - Ribbon type, accessories and model from the PPD.
 // icEncoderContactless writes the icEncoder field after icEncoder itself,
-// so its result is the one that stays.  The model decides flipTurn.
+// so its result is the one that stays.  The model decides flipTurn; a model
+// number missing from the model table prints as the default model.
 void Opt_ReadInstalled(TOptionContext* ctx) {
   TPrintingTask* task = ctx->task;
   task->ribbonType = Opt_ReadKeyword(ctx, "ribbonType");
@@ -31,13 +21,12 @@ void Opt_ReadInstalled(TOptionContext* ctx) {
   task->icEncoder = Opt_ReadKeyword(ctx, "icEncoderContactless");
 
   int32_t number = ctx->ppd->ModelNumber();
-  const TModelFlip* model = &kModels[2];
-  for (const TModelFlip& m : kModels)
-    if (m.model == number) model = &m;
-  task->printerModel = model->model;
+  const TModelInfo* model = number > 0 ? Model_Find(static_cast<uint32_t>(number)) : nullptr;
+  if (!model) model = &Model_Default();
+  task->printerModel = static_cast<int32_t>(model->id);
   Log_Write(LOG_LOG, "  printerModel::[%d]", number);
-  task->flipTurn = model->flipTurn;
-  task->modelName = Status_ModelName(static_cast<uint32_t>(model->model));
+  task->flipTurn = model->twoSided ? 1 : 0;
+  task->modelName = Status_ModelName(model->id);
 }
 
 // 'Opt_ReadCardThickness()' - "Thin" 1, "Standard" 2; anything else takes

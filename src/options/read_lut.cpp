@@ -7,6 +7,7 @@
 #include "log/log.h"
 #include "options/lut_file.h"
 #include "options/read_context.h"
+#include "status/models.h"
 #include "options/lut_format.h"
 #include "util/safe_file.h"
 
@@ -41,11 +42,12 @@ int32_t Opt_ReadSideLUT(const TOptionContext* ctx, const char* keyword, uint8_t 
 
 }  // namespace
 
-// 'Opt_ReadLookupTables()' - Front, then back; the 1030 has no back table,
-// so its keyword is neither read nor traced there.
+// 'Opt_ReadLookupTables()' - Front, then back; a one-sided model has no back
+// table, so its keyword is neither read nor traced there.
 void Opt_ReadLookupTables(TOptionContext* ctx) {
   TPrintingTask* task = ctx->task;
   task->frontLUTTable = Opt_ReadSideLUT(ctx, "frontLUTTable", task->lutTable[SIDE_FRONT]);
-  if (task->printerModel != 1030)
+  const TModelInfo* model = Model_Find(static_cast<uint32_t>(task->printerModel));
+  if (!model || model->twoSided)
     task->backLUTTable = Opt_ReadSideLUT(ctx, "backLUTTable", task->lutTable[SIDE_BACK]);
 }

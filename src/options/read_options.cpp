@@ -11,11 +11,10 @@
 #include "log/log.h"
 #include "options/option_source.h"
 #include "options/read_context.h"
+#include "status/models.h"
 #include "status/tables.h"
 
 namespace {
-
-constexpr int32_t kDefaultModel = 1060;
 
 // 'Opt_Copies()' - The copies argument in base 10, at least 1; an absent,
 // empty or non-numeric argument gives 1.
@@ -42,10 +41,11 @@ void Opt_NoPPD(TPrintingTask* task) {
   task->laminator = 0;
   task->magEncoder = 0;
   task->icEncoder = 0;
-  task->printerModel = kDefaultModel;
-  Log_Write(LOG_LOG, "  printerModel::[PPD]::[NULL][%d]", kDefaultModel);
+  const TModelInfo& model = Model_Default();
+  task->printerModel = static_cast<int32_t>(model.id);
+  Log_Write(LOG_LOG, "  printerModel::[PPD]::[NULL][%d]", task->printerModel);
   task->flipTurn = 1;
-  task->modelName = Status_ModelName(kDefaultModel);
+  task->modelName = Status_ModelName(model.id);
 }
 
 }  // namespace
@@ -91,6 +91,7 @@ int32_t Job_ReadOptions(TPrintingTask* task, const char* options, const char* co
   Opt_ReadPrinterName(&ctx);
   Opt_ReadCardEject(&ctx);
   Warn_IgnoredValues(&ctx, options);
+  Warn_Constraints(&ctx);
 
   source.Close();
   Log_Write(LOG_LOG, "<<<< PPD OPTIONS");

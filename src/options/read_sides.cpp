@@ -42,7 +42,8 @@ int32_t Opt_UVFile(const TOptionContext* ctx, const char* sideWord, int32_t uv, 
 }  // namespace
 
 // 'Opt_ReadSides()' - The per-side keywords, front before back; each UV
-// preset is followed by its file rule.
+// preset is followed by its file rule.  The black rendering keywords come
+// last and are traced only when the PPD has them.
 void Opt_ReadSides(TOptionContext* ctx) {
   TPrintingTask* task = ctx->task;
   task->frontRibbon = Opt_ReadKeyword(ctx, "frontRibbon");
@@ -58,4 +59,6 @@ void Opt_ReadSides(TOptionContext* ctx) {
   task->frontPO = Opt_ReadKeyword(ctx, "frontPO");
   task->backPO = Opt_ReadKeyword(ctx, "backPO");
   task->cardLaminate = Opt_ReadKeyword(ctx, "cardLaminate");
+  task->frontBlackMode = Opt_ReadAdded(ctx, "frontBlackMode");
+  task->backBlackMode = Opt_ReadAdded(ctx, "backBlackMode");
 }

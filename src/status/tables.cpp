@@ -4,6 +4,7 @@
 
 #include "imaging/panel.h"
 #include "options/mag.h"
+#include "status/models.h"
 
 std::map<uint16_t, std::string> g_senseMessages;
 std::map<uint8_t, std::string> g_printerStatusMessages;
@@ -151,14 +152,6 @@ const TMessage<uint8_t> kRibbonTypeNames[] = {
     {0xFC, "UNKNOWN (FC)"},
 };
 
-// Display names of the models.  They become part of the settings file name,
-// so they hold neither blanks nor slashes.
-const TMessage<uint32_t> kModelNames[] = {
-    {1030, "BR-1030"},
-    {1035, "BR-1035"},
-    {1060, "BR-1060"},
-};
-
 // 'Status_Fill()' - Clear a map, then fill it from a table in table order.
 template <typename TKey, size_t N>
 void Status_Fill(std::map<TKey, std::string>* map, const TMessage<TKey> (&table)[N]) {
@@ -174,7 +167,10 @@ void Status_BuildTables() {
   Status_Fill(&g_laminatorStatusMessages, kLaminatorStatusMessages);
   Status_Fill(&g_laminatorErrorMessages, kLaminatorErrorMessages);
   Status_Fill(&g_ribbonTypeNames, kRibbonTypeNames);
-  Status_Fill(&g_modelNames, kModelNames);
+  g_modelNames.clear();
+  int32_t count = 0;
+  const TModelInfo* models = Model_All(&count);
+  for (int32_t i = 0; i < count; ++i) g_modelNames[models[i].id] = models[i].name;
   Panel_BuildTables();
   Mag_BuildCharsets();
 }

@@ -24,8 +24,10 @@ const TAppModel& Model(uint32_t id) {
 
 TEST(AppVendorTable, FitsPapplsSlotsWithValidNamesAndDefaults) {
   const auto& t = Vendor_Table();
-  EXPECT_EQ(t.size(), 31u);
-  EXPECT_LE(t.size(), static_cast<size_t>(PAPPL_MAX_VENDOR));
+  // 33 attributes, 29 of them with a slot of their own (the slot plan).
+  EXPECT_EQ(t.size(), 33u);
+  EXPECT_EQ(Vendor_SlotsUsed(), 29);
+  EXPECT_LE(Vendor_SlotsUsed(), PAPPL_MAX_VENDOR);
   std::set<std::string> names;
   for (const TVendorAttr& a : t) {
     EXPECT_TRUE(names.insert(a.name).second) << a.name;
@@ -118,6 +120,8 @@ TEST(AppJobOptions, PagesOfOneSideAsTheFilterReadsThem) {
   TCardValues v;
   EXPECT_EQ(JobOpt_PagesPerSide(v, 0), 1);
   v["brellian-front-ribbon"] = "color-k";
+  v["brellian-front-resin"] = "card";
+  EXPECT_EQ(JobOpt_PagesPerSide(v, 0), 1);
   v["brellian-front-resin"] = "page";
   EXPECT_EQ(JobOpt_PagesPerSide(v, 0), 2);
   v["brellian-front-resin"] = "preset-1";
@@ -146,6 +150,9 @@ TEST(AppJobOptions, OptionsStringParsesBackToTheValues) {
   EXPECT_STREQ(cupsGetOption("printerPlugin", n, opts), "Custom.odd \"name\" with \\ and 'quotes'");
   EXPECT_STREQ(cupsGetOption("frontResinExclude1", n, opts), "Custom.1mm 2mm 3mm 4mm");
   EXPECT_EQ(cupsGetOption("frontUV", n, opts), nullptr);
+  // The black rendering the shipped PPDs default to, for both sides.
+  EXPECT_STREQ(cupsGetOption("frontBlackMode", n, opts), "SolidBlack");
+  EXPECT_STREQ(cupsGetOption("backBlackMode", n, opts), "SolidBlack");
   cupsFreeOptions(n, opts);
 }
 
@@ -164,6 +171,9 @@ TEST(AppJobOptions, JobValueOrPrinterDefaultOrTableDefault) {
   EXPECT_EQ(v["brellian-back-ribbon"], "monochrome");
   EXPECT_EQ(v["brellian-eject-existing"], "false");
   EXPECT_EQ(v["brellian-front-uv"], "none");
+  // Colour + resin black takes its resin from the card's own pure black.
+  EXPECT_EQ(v["brellian-front-resin"], "card");
+  EXPECT_EQ(v["brellian-back-resin"], "card");
   EXPECT_EQ(refused, "brellian-front-uv=page");
   EXPECT_EQ(v.count("brellian-laminate"), 0u);
   cupsFreeOptions(n, job);

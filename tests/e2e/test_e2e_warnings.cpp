@@ -24,6 +24,8 @@ TEST(SpoolerWarnings, APresetThatCantBeFoundIsTheJobsStatus) {
   std::string out, captured = dir + "/out/job.bin";
   ASSERT_EQ(0, spooler.Run("lpadmin -p cards -E -v capture:" + captured + " -P " + Cups_PpdPath(1030), &out))
       << out;
+  // The queue's ribbon has a UV panel, so the preset is the only warning.
+  ASSERT_EQ(0, spooler.Run("lpadmin -p cards -o ribbonType=YMCK-UV", &out)) << out;
   ASSERT_EQ(0, spooler.Run("lp -d cards -o frontRibbon=ColorK -o frontResin=Page -o frontUV=Preset1 " +
                                Cups_SampleCardPdf(),
                            &out))

@@ -16,6 +16,7 @@
 #include "imaging/panel.h"
 #include "imaging/stages.h"
 #include "reference/reference_stages.h"
+#include "support/digest.h"
 #include "support/stage_helpers.h"
 
 namespace {
@@ -24,11 +25,6 @@ namespace {
 // for c = 0 ... 2^24 - 1.
 constexpr uint64_t kLumaDigest = 0x619f7b7aa232690cull;
 
-// 'Golden_Fnv()'' - 64-bit FNV-1a of n bytes, continuing from hash.
-uint64_t Golden_Fnv(const uint8_t* p, size_t n, uint64_t hash = 14695981039346656037ull) {
-  for (size_t i = 0; i < n; ++i) hash = (hash ^ p[i]) * 1099511628211ull;
-  return hash;
-}
 
 // 'Golden_Image()' - A width x height x 3 image of smooth ramps with noise
 // from a fixed 64-bit generator (the same on every platform), so that the
@@ -55,7 +51,7 @@ uint64_t Golden_Resize(uint32_t sw, uint32_t sh, uint32_t dw, uint32_t dh, uint6
   uint8_t* out = nullptr;
   EXPECT_EQ(0, Image_BSplineResize(nullptr, src.data(), sw, sh, dw, dh, &out));
   TStageBuffer hold(out);
-  return out ? Golden_Fnv(out, static_cast<size_t>(dw) * dh * 3) : 0;
+  return out ? Test_Fnv(out, static_cast<size_t>(dw) * dh * 3) : 0;
 }
 
 }  // namespace
@@ -78,7 +74,7 @@ TEST(GoldenResample, ReferenceGivesTheSameDigest) {
   uint8_t* out = nullptr;
   ASSERT_EQ(0, Ref_BSplineResize(src.data(), 300, 200, 1036, 664, &out));
   TStageBuffer hold(out);
-  EXPECT_EQ(Golden_Resize(300, 200, 1036, 664, 3), Golden_Fnv(out, 1036u * 664u * 3u));
+  EXPECT_EQ(Golden_Resize(300, 200, 1036, 664, 3), Test_Fnv(out, 1036u * 664u * 3u));
 }
 
 // A portrait CR80 page through the whole conversion: turn, fit, resample
@@ -90,7 +86,7 @@ TEST(GoldenResample, PortraitPageConversionGivesTheRecordedDigest) {
   uint8_t* out = nullptr;
   ASSERT_EQ(0, Image_CUPSToPrinterRGB(task.get(), &out));
   TStageBuffer hold(out);
-  EXPECT_EQ(0x0337f3392105ba9dull, Golden_Fnv(out, 2072u * 1328u * 3u));
+  EXPECT_EQ(0x0337f3392105ba9dull, Test_Fnv(out, 2072u * 1328u * 3u));
 }
 
 // All 2^24 colours: Image_Luminance against the double formula, and the
@@ -107,7 +103,7 @@ TEST(GoldenLuminance, AllColoursMatchTheFormulaAndTheRecordedDigest) {
     mismatches += y[c] != expected;
   }
   EXPECT_EQ(0u, mismatches);
-  EXPECT_EQ(kLumaDigest, Golden_Fnv(y.data(), y.size()));
+  EXPECT_EQ(kLumaDigest, Test_Fnv(y.data(), y.size()));
 }
 
 // The plane conversion used for UV and overlay pages gives the same 2^24
@@ -116,7 +112,7 @@ TEST(GoldenLuminance, GrayPlaneOfAllColoursGivesTheRecordedDigest) {
   auto task = Stage_MakeTask(1060);
   const size_t dots = 2072u * 1328u;
   std::vector<uint8_t> rgb(dots * 3);
-  uint64_t hash = 14695981039346656037ull;
+  uint64_t hash = TEST_FNV_START;
   for (uint32_t first = 0; first < (1u << 24); first += dots) {
     for (size_t i = 0; i < dots; ++i) {
       uint32_t c = static_cast<uint32_t>((first + i) & 0xFFFFFFu);
@@ -129,7 +125,7 @@ TEST(GoldenLuminance, GrayPlaneOfAllColoursGivesTheRecordedDigest) {
     ASSERT_NE(nullptr, plane);
     TStageBuffer hold(plane);
     size_t n = (1u << 24) - first < dots ? (1u << 24) - first : dots;
-    hash = Golden_Fnv(plane, n, hash);
+    hash = Test_Fnv(plane, n, hash);
   }
   EXPECT_EQ(kLumaDigest, hash);
 }

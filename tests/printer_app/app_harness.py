@@ -14,8 +14,20 @@ import time
 import urllib.parse
 import uuid
 
-ICMD_STARTCARD = 3
-ICMD_ENDCARD = 4
+HERE = os.path.dirname(os.path.abspath(__file__))
+SOURCE = os.path.normpath(os.path.join(HERE, "..", ".."))
+BUILD = os.environ.get("BRELLIAN_BUILD_DIR", os.path.join(SOURCE, "build-test"))
+TOOLS = os.path.join(BUILD, "tools")
+CONF_DIR = os.path.join(BUILD, "sysroot", "etc", "brellian")
+SETTINGS_DIR = os.path.join(CONF_DIR, "settings")
+
+# The stream helpers live in stream_records.py; the tests reach them here.
+from stream_records import (ICMD_ENDCARD, ICMD_HEADER_BYTES, ICMD_IMAGE, ICMD_LUTTABLE, ICMD_STARTCARD,  # noqa: E402,F401
+                            ICMD_STARTIMAGE, ICMD_STARTJOB, ICMD_STARTSIDE, PANEL_COLOR, PANEL_K, PANEL_PO, PANEL_UV,
+                            STARTIMAGE_PANEL, lut_payloads, mask_card_ids, panel_data, panel_types, record_types,
+                            records)
+
+
 
 
 def free_port():
@@ -234,27 +246,34 @@ def run_filter(filter_path, build, ppd, raster, job_id, title, options, printer,
     return r.stdout, r.stderr.decode("utf-8", "replace"), r.returncode
 
 
-def records(stream):
-    """The records of a job command stream: (offset, type, payload length)."""
-    out, pos = [], 0
-    while pos + 6 <= len(stream):
-        rtype, length = struct.unpack_from("<HI", stream, pos)
-        out.append((pos, rtype, length))
-        pos += 6 + length
-    if pos != len(stream):
-        raise AssertionError("stream does not end on a record boundary (%d of %d)" % (pos, len(stream)))
-    return out
+def start_presets_printer(name, serial_prefix):
+    """The start-up of the presets tests: a server with one 1060 printer, a
+    UV ribbon and a flip-turn unit and a random serial number set on its
+    Device settings page, and a 600 dpi PWG card.  Returns (server, device
+    output directory, raster, serial, settings file)."""
+    server = AppServer(BUILD)
+    server.start()
+    out = server.add_printer(name, "brellian_1060")
+    raster = os.path.join(server.tmp, "card.pwg")
+    subprocess.run([os.path.join(TOOLS, "brellian-rasterwrite"), "--pwg", "-r", "600", "-W", "2072", "-H", "1328",
+                    "-o", raster, "pattern"], check=True)
+    serial = "%s%06x" % (serial_prefix, uuid.uuid4().int & 0xFFFFFF)
+    status, body = http_request(server, "GET", "/%s/device" % name)
+    forms, _ = parse_page(body)
+    status, text = post_form(server, "/%s/device" % name, forms[0],
+                             {"serial": serial, "ribbon-type": "YMCK-UV", "flip-turn": "on"})
+    assert "Device settings saved." in text, text
+    settings_file = os.path.join(SETTINGS_DIR, "brellian_br-1060_%s.dat" % serial.lower())
+    return server, out, raster, serial, settings_file
 
 
-def mask_card_ids(stream):
-    """The stream with the 8-byte card id of every start-card and end-card record zeroed; (bytes, count)."""
-    data = bytearray(stream)
-    count = 0
-    for pos, rtype, length in records(stream):
-        if rtype in (ICMD_STARTCARD, ICMD_ENDCARD) and length >= 8:
-            data[pos + 6:pos + 14] = b"\0" * 8
-            count += 1
-    return bytes(data), count
+def stop_presets_printer(server, paths):
+    """Stop the server (kept when BRELLIAN_KEEP_TEST_DIR=1) and remove the
+    preset files a test left in the build's system tree."""
+    server.stop(keep=os.environ.get("BRELLIAN_KEEP_TEST_DIR") == "1")
+    for path in paths:
+        if os.path.exists(path):
+            os.unlink(path)
 
 
 class FormParser(html.parser.HTMLParser):

@@ -2,13 +2,12 @@
 # Copyright 2026 The rastertobrellian authors.
 import json
 import os
-import random
 import shutil
 import subprocess
 import unittest
 
 import app_harness as h
-from test_presets_web import BUILD, SETTINGS_DIR, TOOLS, lut_payloads, panel_data, panel_types
+from app_harness import BUILD, lut_payloads, panel_data, panel_types
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 PLAYWRIGHT_DIR = os.path.join(BUILD, "printer-app-browser")
@@ -29,29 +28,13 @@ class PresetsBrowserTest(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         install_driver()
-        cls.server = h.AppServer(BUILD)
-        cls.server.start()
-        cls.out = cls.server.add_printer("browser60", "brellian_1060")
-        cls.raster = os.path.join(cls.server.tmp, "card.pwg")
-        subprocess.run([os.path.join(TOOLS, "brellian-rasterwrite"), "--pwg", "-r", "600", "-W", "2072", "-H", "1328",
-                        "-o", cls.raster, "pattern"], check=True)
-        cls.serial = "B%06x" % random.randrange(1 << 24)
-        status, body = h.http_request(cls.server, "GET", "/browser60/device")
-        forms, _ = h.parse_page(body)
-        status, text = h.post_form(cls.server, "/browser60/device", forms[0],
-                                   {"serial": cls.serial, "ribbon-type": "YMCK-UV", "flip-turn": "on"})
-        assert "Device settings saved." in text, text
-        cls.settings_file = os.path.join(SETTINGS_DIR, "brellian_br-1060_%s.dat" % cls.serial.lower())
+        cls.server, cls.out, cls.raster, cls.serial, cls.settings_file = h.start_presets_printer("browser60", "B")
         cls.jobs = 0
 
     @classmethod
     def tearDownClass(cls):
-        cls.server.stop(keep=os.environ.get("BRELLIAN_KEEP_TEST_DIR") == "1")
-        conf = os.path.join(BUILD, "sysroot", "etc", "brellian")
-        for p in (cls.settings_file, os.path.join(conf, "uv", cls.serial + ".uv"),
-                  os.path.join(conf, "lut", cls.serial + ".csv")):
-            if os.path.exists(p):
-                os.unlink(p)
+        h.stop_presets_printer(cls.server, (cls.settings_file, os.path.join(h.CONF_DIR, "uv", cls.serial + ".uv"),
+                                            os.path.join(h.CONF_DIR, "lut", cls.serial + ".csv")))
 
     def browse(self, steps, shot):
         steps_file = os.path.join(self.server.tmp, "steps.json")
@@ -83,7 +66,7 @@ class PresetsBrowserTest(unittest.TestCase):
         attrs = [("keyword", "brellian-front-ribbon", "color-k"), ("keyword", "brellian-front-resin", "preset-3"),
                  ("keyword", "brellian-front-uv", "preset-5"), ("keyword", "brellian-front-color-table", "table-2")]
         before = self.print_card(attrs)
-        self.assertNotIn(2, panel_types(before))
+        self.assertNotIn(h.PANEL_UV, panel_types(before))
         png = os.path.join(self.server.tmp, "uv.png")
         with open(png, "wb") as f:
             f.write(h.png_rgb(120, 80, lambda x, y: (0, 0, 0) if x < 60 else (255, 255, 255)))
@@ -102,8 +85,8 @@ class PresetsBrowserTest(unittest.TestCase):
         self.assertIn("installed as UV preset 5", results[1]["message"])
         self.assertIn("installed as table 2", results[2]["message"])
         after = self.print_card(attrs)
-        self.assertNotEqual(panel_data(before, 1), panel_data(after, 1), "the new resin area changes the black panel")
-        self.assertIn(2, panel_types(after), "the uploaded UV picture gives a UV panel")
+        self.assertNotEqual(panel_data(before, h.PANEL_K), panel_data(after, h.PANEL_K), "the new resin area changes the black panel")
+        self.assertIn(h.PANEL_UV, panel_types(after), "the uploaded UV picture gives a UV panel")
         self.assertNotEqual(lut_payloads(before), lut_payloads(after), "the uploaded colour table is sent")
 
         kept = self.settings_bytes()

@@ -1,37 +1,13 @@
 """The Card presets and Device settings pages of brellian-printer-app over HTTP: each change reaches the next job."""
 # Copyright 2026 The rastertobrellian authors.
 import os
-import random
 import subprocess
 import unittest
 
 import app_harness as h
 
-BUILD = os.environ.get("BRELLIAN_BUILD_DIR", os.path.join(os.path.dirname(__file__), "..", "..", "build-test"))
-TOOLS = os.path.join(BUILD, "tools")
-SETTINGS_DIR = os.path.join(BUILD, "sysroot", "etc", "brellian", "settings")
-
-
-def panel_types(stream):
-    """The panel type of every start-image record of a job stream."""
-    return [stream[pos + 10] for pos, rtype, _ in h.records(stream) if rtype == 8]
-
-
-def panel_data(stream, panel):
-    """The bytes of every panel of one type (0 colour, 1 black, 2 UV, 3 overlay), joined."""
-    out, current = [], None
-    for pos, rtype, length in h.records(stream):
-        if rtype == 8:
-            current = stream[pos + 10]
-        elif rtype == 9:
-            current = None
-        elif rtype == 10 and current == panel:
-            out.append(stream[pos + 6:pos + 6 + length])
-    return b"".join(out)
-
-
-def lut_payloads(stream):
-    return [stream[pos + 6:pos + 6 + length] for pos, rtype, length in h.records(stream) if rtype == 11]
+BUILD, TOOLS = h.BUILD, h.TOOLS
+panel_types, panel_data, lut_payloads = h.panel_types, h.panel_data, h.lut_payloads
 
 
 class PresetsWebTest(unittest.TestCase):
@@ -39,29 +15,13 @@ class PresetsWebTest(unittest.TestCase):
 
     @classmethod
     def setUpClass(cls):
-        cls.server = h.AppServer(BUILD)
-        cls.server.start()
-        cls.out = cls.server.add_printer("web60", "brellian_1060")
-        cls.raster = os.path.join(cls.server.tmp, "card.pwg")
-        subprocess.run([os.path.join(TOOLS, "brellian-rasterwrite"), "--pwg", "-r", "600", "-W", "2072", "-H", "1328",
-                        "-o", cls.raster, "pattern"], check=True)
-        cls.serial = "W%06x" % random.randrange(1 << 24)
-        status, body = h.http_request(cls.server, "GET", "/web60/device")
-        forms, _ = h.parse_page(body)
-        status, text = h.post_form(cls.server, "/web60/device", forms[0],
-                                   {"serial": cls.serial, "ribbon-type": "YMCK-UV", "flip-turn": "on"})
-        assert "Device settings saved." in text, text
-        cls.settings_file = os.path.join(SETTINGS_DIR, "brellian_br-1060_%s.dat" % cls.serial.lower())
+        cls.server, cls.out, cls.raster, cls.serial, cls.settings_file = h.start_presets_printer("web60", "W")
         cls.jobs = 0
 
     @classmethod
     def tearDownClass(cls):
-        cls.server.stop(keep=os.environ.get("BRELLIAN_KEEP_TEST_DIR") == "1")
-        conf = os.path.join(BUILD, "sysroot", "etc", "brellian")
-        for path in (cls.settings_file, os.path.join(conf, "uv", cls.serial + ".uv"),
-                     os.path.join(conf, "lut", cls.serial + "inv.csv")):
-            if os.path.exists(path):
-                os.unlink(path)
+        h.stop_presets_printer(cls.server, (cls.settings_file, os.path.join(h.CONF_DIR, "uv", cls.serial + ".uv"),
+                                            os.path.join(h.CONF_DIR, "lut", cls.serial + "inv.csv")))
 
     def presets_form(self, action, source=None):
         status, body = h.http_request(self.server, "GET", "/web60/presets", source=source)
@@ -98,18 +58,18 @@ class PresetsWebTest(unittest.TestCase):
         self.assertIn("resin.2.include.1 = 3mm 3mm 40mm 12mm", show.stdout + show.stderr)
         after = self.print_card(attrs)
         self.assertNotEqual(h.mask_card_ids(before)[0], h.mask_card_ids(after)[0], "the new area changes the card")
-        self.assertNotEqual(panel_data(before, 1), panel_data(after, 1), "the resin area changes the black panel")
+        self.assertNotEqual(panel_data(before, h.PANEL_K), panel_data(after, h.PANEL_K), "the resin area changes the black panel")
 
     def test_2_uv_upload_reaches_the_next_job(self):
         attrs = [("keyword", "brellian-front-uv", "preset-4")]
-        self.assertNotIn(2, panel_types(self.print_card(attrs)), "no UV file yet: no UV panel")
+        self.assertNotIn(h.PANEL_UV, panel_types(self.print_card(attrs)), "no UV file yet: no UV panel")
         form, _ = self.presets_form("uv")
         png = h.png_rgb(207, 132, lambda x, y: (0, 0, 0) if (x // 20 + y // 20) % 2 else (255, 255, 255))
         status, text = h.post_form(self.server, "/web60/presets", form,
                                    {"uv-preset": "4", "uv-name": self.serial + ".uv", "uv-fit": "stretch"},
                                    files={"uv-file": ("logo.png", png, "image/png")})
         self.assertIn("installed as UV preset 4", text)
-        self.assertIn(2, panel_types(self.print_card(attrs)), "the uploaded UV image gives a UV panel")
+        self.assertIn(h.PANEL_UV, panel_types(self.print_card(attrs)), "the uploaded UV image gives a UV panel")
 
     def test_3_lut_upload_reaches_the_next_job(self):
         attrs = [("keyword", "brellian-front-color-table", "table-3")]

@@ -8,8 +8,7 @@ import unittest
 
 import app_harness as h
 
-BUILD = os.environ.get("BRELLIAN_BUILD_DIR", os.path.join(os.path.dirname(__file__), "..", "..", "build-test"))
-TOOLS = os.path.join(BUILD, "tools")
+BUILD, TOOLS = h.BUILD, h.TOOLS
 PPD = {"card30": "br1030.ppd", "card35": "br1035.ppd", "card60": "br1060.ppd"}
 
 
@@ -120,11 +119,11 @@ class PrinterAppTest(unittest.TestCase):
         job = self.print_job("card35", self.pwg300_duplex, "image/pwg-raster", "duplex35",
                              [("keyword", "sides", "two-sided-long-edge"),
                               ("keyword", "brellian-back-ribbon", "monochrome"),
-                              ("boolean", "brellian-back-secure-erase", "true")])
+                              ("text", "brellian-back-options", "secure-erase=true")])
         self.assertEqual(job["job-state"], "completed")
         cards, _ = self.assert_same_as_filter("card35", job, "backRibbon=Monochrome backSecureErase=Yes")
         self.assertEqual(cards, 1)
-        sides = [r for r in h.records(self.device_output("card35", "duplex35")) if r[1] == 6]
+        sides = h.record_types(self.device_output("card35", "duplex35"), h.ICMD_STARTSIDE)
         self.assertEqual(len(sides), 2, "a two-sided card has two start-side records")
 
     def test_pwg_custom_areas_and_card_options_on_1060(self):
@@ -169,6 +168,22 @@ class PrinterAppTest(unittest.TestCase):
         cards, _ = self.assert_same_as_filter("card60", job, "")
         self.assertEqual(cards, 2)
 
+    def test_color_k_default_prints_a_one_page_card_black_in_resin(self):
+        # Colour + resin black with nothing else asked: the resin comes from
+        # the page's own pure black, so one page makes the whole card.
+        page = rasterwrite(os.path.join(self.server.tmp, "black300.pwg"), "--pwg", "-r", "300", "solid:0,0,0")
+        job = self.print_job("card30", page, "image/pwg-raster", "colork30",
+                             [("keyword", "brellian-front-ribbon", "color-k")])
+        self.assertEqual(job["job-state"], "completed")
+        self.assertEqual(job["job-state-message"], "1 card printed.")
+        self.assert_same_as_filter("card30", job, "frontRibbon=ColorK frontResin=Card")
+        stream = self.device_output("card30", "colork30")
+        types = [stream[pos + 10] for pos, rtype, length in h.records(stream) if rtype == 8]
+        self.assertEqual(types, [0, 1], "a colour panel and its resin black panel")
+        black = b"".join(stream[pos + 6:pos + 6 + length] for pos, rtype, length in h.records(stream)
+                         if rtype == 10)[-1036 * 664:]
+        self.assertEqual(black, b"\xff" * (1036 * 664), "every pure black dot takes resin")
+
     def test_value_not_offered_falls_back_to_the_default(self):
         # A YMCK ribbon has no UV panel: the printer does not offer UV from the page.
         job = self.print_job("card30", self.pwg300, "image/pwg-raster", "nouv30",
@@ -180,8 +195,8 @@ class PrinterAppTest(unittest.TestCase):
         job = self.print_job("card60", self.pwg600_six, "image/pwg-raster", "slow-cancel60", cancel_after=1.0)
         self.assertEqual(job["job-state"], "canceled")
         stream = self.device_output("card60", "slow-cancel60")
-        kinds = [r[1] for r in h.records(stream)]
-        self.assertTrue(kinds and kinds[0] == 1, "the stream starts with the job header")
+        kinds = h.record_types(stream)
+        self.assertTrue(kinds and kinds[0] == h.ICMD_STARTJOB, "the stream starts with the job header")
         self.assertNotIn(2, kinds, "a cancelled stream has no job footer")
         dump = subprocess.run([os.path.join(TOOLS, "brellian-jobdump"), "-q", "-"], input=stream, capture_output=True)
         self.assertEqual(dump.returncode, 3, dump.stdout.decode() + dump.stderr.decode())

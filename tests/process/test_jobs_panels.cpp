@@ -157,7 +157,8 @@ TEST_F(TJobPanelTest, RotationTurnsTheSideAndItsPresetPanels) {
 TEST_F(TJobPanelTest, SampleCardWithAllPanelsGivesEveryPanelKindOnBothSides) {
   Save();
   TJobRun run = Job_Run(Raster_MakeSampleCardAllPanelsJob(kW, kH, 300),
-                        "frontRibbon=ColorK backRibbon=ColorK frontUV=Page backUV=Page frontPO=Page backPO=Page");
+                        "frontRibbon=ColorK backRibbon=ColorK frontResin=Page backResin=Page frontUV=Page backUV=Page "
+                        "frontPO=Page backPO=Page");
   EXPECT_EQ(0, run.process.status);
   EXPECT_TRUE(run.stream.complete) << run.stream.error;
   EXPECT_EQ(

@@ -22,8 +22,8 @@ using namespace warntest;
 
 TEST_F(TWarnJobs, NoSerialNumberWhilePresetsAreAskedFor) {
   std::string uri = "usbbr://Brellian/BR-1030";
-  TWarnRun run = Warn_Run({Job_WhitePage()}, "frontUV=Preset1", uri);
-  TWarnRun base = Warn_Run({Job_WhitePage()}, "frontUV=None", uri);
+  TWarnRun run = Warn_Run({Job_WhitePage()}, "ribbonType=YMCK-UV frontUV=Preset1", uri);
+  TWarnRun base = Warn_Run({Job_WhitePage()}, "ribbonType=YMCK-UV frontUV=None", uri);
   Warn_ExpectSameOutput(run, base);
   EXPECT_EQ((std::vector<std::string>{"WARNING: frontUV=Preset1 gives no UV: the device URI has no serial number "
                                       "(\"?serial=\"), so the printer's settings are not read"}),
@@ -49,7 +49,7 @@ TEST_F(TWarnJobs, OverlayPresetNotSetSendsAnEmptyOverlay) {
   TBrellianSettings s = Warn_Settings();
   s.poAreas[0][0][0] = "1mm 1mm 10mm 10mm";  // preset 1 only; preset 2 is empty
   ASSERT_TRUE(s.Save());
-  TWarnRun run = Warn_Run({Job_WhitePage()}, "frontPO=Preset2");
+  TWarnRun run = Warn_Run({Job_WhitePage()}, "ribbonType=YMCK-PO frontPO=Preset2");
   EXPECT_EQ((std::vector<std::string>{"WARNING: frontPO=Preset2 gives no overlay: overlay preset 2 is not set in "
                                       "the settings file " + Warn_SettingsPath(kWarnSerial)}),
             run.warnings);
@@ -59,7 +59,7 @@ TEST_F(TWarnJobs, OverlayPresetNotSetSendsAnEmptyOverlay) {
   EXPECT_TRUE(Job_Pixels(run.check.panels[1]) == std::string(kDots, '\0'));
   EXPECT_EQ(Warn_DesignedLines(1), run.designed);
   // The same stream as custom overlay areas with no peel-off area.
-  TWarnRun none = Warn_Run({Job_WhitePage()}, "frontPO=CustomAreas");
+  TWarnRun none = Warn_Run({Job_WhitePage()}, "ribbonType=YMCK-PO frontPO=CustomAreas");
   EXPECT_TRUE(run.stream == none.stream);
   EXPECT_TRUE(Test_Contains(run.log, "Front peel-off: preset 2: (peel-off)()"));
   Warn_LogHasNo(run, "gives no overlay");
@@ -70,8 +70,8 @@ TEST_F(TWarnJobs, UVFileNotFound) {
   s.uvNames[0] = "warn-missing.uv";
   ASSERT_TRUE(s.Save());
   unlink((Test_ConfDir() + "/uv/warn-missing.uv").c_str());
-  TWarnRun run = Warn_Run({Job_WhitePage()}, "frontUV=Preset1");
-  TWarnRun base = Warn_Run({Job_WhitePage()}, "frontUV=None");
+  TWarnRun run = Warn_Run({Job_WhitePage()}, "ribbonType=YMCK-UV frontUV=Preset1");
+  TWarnRun base = Warn_Run({Job_WhitePage()}, "ribbonType=YMCK-UV frontUV=None");
   Warn_ExpectSameOutput(run, base);
   std::string path = std::string(BRELLIAN_CONF_DIR) + "/uv/warn-missing.uv";
   EXPECT_EQ((std::vector<std::string>{"WARNING: frontUV=Preset1 gives no UV: UV file " + path + " not found"}),
@@ -88,10 +88,10 @@ TEST_F(TWarnJobs, UVFileShorterThanThePanel) {
   ASSERT_TRUE(s.Save());
   Job_UVFile("warn-short.uv", kDots - 1);
   Job_UVFile("warn-whole.uv", kDots);
-  TWarnRun run = Warn_Run({Job_WhitePage()}, "frontUV=Preset2");
+  TWarnRun run = Warn_Run({Job_WhitePage()}, "ribbonType=YMCK-UV frontUV=Preset2");
   // As designed: the side still announces UV, and the UV panel is missing
   // from the stream a whole file gives.
-  TWarnRun base = Warn_Run({Job_WhitePage()}, "frontUV=Preset3");
+  TWarnRun base = Warn_Run({Job_WhitePage()}, "ribbonType=YMCK-UV frontUV=Preset3");
   EXPECT_TRUE(base.warnings.empty());
   ASSERT_EQ("STARTJOB STARTCARD STARTSIDE LUTTABLE IMAGE0 IMAGE2 ENDSIDE ENDCARD ENDJOB", base.outline);
   EXPECT_EQ("STARTJOB STARTCARD STARTSIDE LUTTABLE IMAGE0 ENDSIDE ENDCARD ENDJOB", run.outline);
@@ -147,8 +147,8 @@ TEST_F(TWarnJobs, LookupTableNotUsable) {
 }
 
 TEST_F(TWarnJobs, TrackDataWithoutCustomPrefix) {
-  TWarnRun run = Warn_Run({Job_WhitePage()}, "magEncodeFormat1=ISO6-79 magEncodeData1=ABC123");
-  TWarnRun base = Warn_Run({Job_WhitePage()}, "magEncodeFormat1=ISO6-79");
+  TWarnRun run = Warn_Run({Job_WhitePage()}, "magEncoder=Installed magEncodeFormat1=ISO6-79 magEncodeData1=ABC123");
+  TWarnRun base = Warn_Run({Job_WhitePage()}, "magEncoder=Installed magEncodeFormat1=ISO6-79");
   Warn_ExpectSameOutput(run, base);
   EXPECT_EQ((std::vector<std::string>{"WARNING: magEncodeData1=ABC123 is left out: a text value is given as "
                                       "magEncodeData1=Custom.<text> (blanks written as +, or the value quoted)"}),

@@ -36,7 +36,11 @@ TEST_F(TWarnJobs, ColorKWithResinPageAndOnePageHasNoBlackPanel) {
 }
 
 TEST_F(TWarnJobs, UVAndOverlayPagesMissing) {
-  TWarnRun run = Warn_Run({Job_WhitePage()}, "frontUV=Page frontPO=Page");
+  // No ribbon has both a UV and an overlay panel: the PPD's constraints are
+  // left out, so that only the warnings about pages are seen.
+  std::string uri = std::string("usbbr://Brellian/BR-1030?serial=") + kWarnSerial;
+  std::string ppd = Warn_UnconstrainedPPD(1030);
+  TWarnRun run = Warn_Run({Job_WhitePage()}, "frontUV=Page frontPO=Page", uri, ppd);
   EXPECT_EQ((std::vector<std::string>{"WARNING: Front side printed without its UV panel and overlay panel: the job "
                                       "has no more pages, and frontUV=Page takes a page for the UV panel, frontPO="
                                       "Page takes a page for the overlay panel"}),
@@ -44,7 +48,7 @@ TEST_F(TWarnJobs, UVAndOverlayPagesMissing) {
   EXPECT_EQ("STARTJOB STARTCARD STARTSIDE LUTTABLE IMAGE0 ENDSIDE ENDCARD ENDJOB", run.outline);
   EXPECT_EQ(Warn_DesignedLines(1), run.designed);
   // Up to the end of the colour panel the stream is the three-page job's.
-  TWarnRun three = Warn_Run({Job_WhitePage(), Job_WhitePage(), Job_WhitePage()}, "frontUV=Page frontPO=Page");
+  TWarnRun three = Warn_Run({Job_WhitePage(), Job_WhitePage(), Job_WhitePage()}, "frontUV=Page frontPO=Page", uri, ppd);
   EXPECT_TRUE(three.warnings.empty());
   ASSERT_EQ(3u, three.check.panels.size());
   size_t end = three.check.panels[1].offset;

@@ -28,18 +28,8 @@ class TFramingTest : public ::testing::Test {
     fflush(task.output);
     return std::string(data, size);
   }
-  // 'OpenSide()' - Open the card (with its magnetic record) and the side
-  // (with its lookup table) when they are not open, as page processing does.
-  void OpenSide() {
-    if (!task.cardOpen) {
-      Job_StartCard(&task);
-      Job_WriteMagEncode(&task);
-    }
-    if (!task.sideOpen) {
-      Job_StartSide(&task);
-      Job_WriteLUTTable(&task);
-    }
-  }
+  // 'OpenSide()' - Open the card and the side as page processing does.
+  void OpenSide() { Job_OpenSide(&task); }
 
   TPrintingTask task{0, nullptr};
   char* data = nullptr;

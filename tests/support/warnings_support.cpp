@@ -26,7 +26,8 @@ TBrellianSettings Warn_Settings() {
 
 // 'Warn_Run()' - Run the 1030 filter on pages with options and the device
 // URI uri (its serial selects the settings file).
-TWarnRun Warn_Run(const std::vector<TRasterPage>& pages, const std::string& options, const std::string& uri) {
+TWarnRun Warn_Run(const std::vector<TRasterPage>& pages, const std::string& options, const std::string& uri,
+                  const std::string& ppd) {
   TWarnRun run;
   std::string raster = Job_TestDir() + "/warn.ras";
   Test_MakeDirs(Job_TestDir());
@@ -34,7 +35,7 @@ TWarnRun Warn_Run(const std::vector<TRasterPage>& pages, const std::string& opti
   Test_ResetLog();
   Test_SetLogLevelWord("EntryExit");
   TProcessOptions env;
-  env.env["PPD"] = Job_PPD();
+  env.env["PPD"] = ppd.empty() ? Job_PPD() : ppd;
   env.env["DEVICE_URI"] = uri;
   env.env["PRINTER"] = "warn";
   TProcessResult p = Test_RunFilter({"42", "user", "title", "1", options, raster}, env);
@@ -59,6 +60,24 @@ TWarnRun Warn_Run(const std::vector<TRasterPage>& pages, const std::string& opti
     run.log.push_back(first == std::string::npos ? std::string() : line.substr(first));
   }
   return run;
+}
+
+// 'Warn_UnconstrainedPPD()' - The PPD without its constraints.
+std::string Warn_UnconstrainedPPD(int model) {
+  std::string text = Test_ReadFile(Test_GeneratedPPD(model));
+  std::string out;
+  size_t start = 0;
+  while (start < text.size()) {
+    size_t end = text.find('\n', start);
+    if (end == std::string::npos) end = text.size();
+    std::string line = text.substr(start, end - start + 1);
+    if (line.rfind("*cupsUIConstraints", 0) != 0) out += line;
+    start = end + 1;
+  }
+  Test_MakeDirs(Job_TestDir());
+  std::string path = Job_TestDir() + "/unconstrained" + std::to_string(model) + ".ppd";
+  Test_WriteFile(path, out);
+  return path;
 }
 
 // 'Warn_DesignedLines()' - The designed standard error of a job of pages

@@ -39,9 +39,16 @@ std::string Warn_SettingsPath(const std::string& serial);
 TBrellianSettings Warn_Settings();
 
 // 'Warn_Run()' - Run the 1030 filter on pages with options and the device
-// URI uri (its serial selects the settings file), the log at EntryExit.
+// URI uri (its serial selects the settings file), the log at EntryExit;
+// ppd, when not empty, replaces the 1030's PPD.
 TWarnRun Warn_Run(const std::vector<TRasterPage>& pages, const std::string& options,
-                  const std::string& uri = std::string("usbbr://Brellian/BR-1030?serial=") + kWarnSerial);
+                  const std::string& uri = std::string("usbbr://Brellian/BR-1030?serial=") + kWarnSerial,
+                  const std::string& ppd = std::string());
+
+// 'Warn_UnconstrainedPPD()' - A copy of the model's PPD without its
+// cupsUIConstraints lines (in the test directory): the same jobs, with no
+// warning about options the installed options rule out.
+std::string Warn_UnconstrainedPPD(int model);
 
 // 'Warn_DesignedLines()' - The designed standard error of a job of pages
 // 1036 x 664 pages: PAGE and progress lines, then "INFO: Ready to print.".

@@ -7,22 +7,23 @@
 
 #include "lib/raster_writer.h"
 #include "lib/sample_card.h"
+#include "status/model_text.h"
 #include "util/safe_file.h"
 
 static int Usage(FILE* f) {
-  fprintf(f,
+  fputs(Model_Expand(
           "Usage: brellian-samplecard [--dpi 300|600] [--compressed] [--all-panels] OUTPUT\n"
           "\n"
           "Writes the built-in sample card as a CUPS raster stream of five\n"
           "panel-sized pages for a duplex \"ColorK\" job with an overlay page:\n"
           "front colour, front black, front overlay, back colour, back black.\n"
-          "At 300 dpi the pages are 1036 x 664 dots (models 1030 and 1035), at\n"
-          "600 dpi 2072 x 1328 dots (model 1060, the default). OUTPUT \"-\" writes\n"
-          "to standard output.\n"
+          "The pages are the model's panel size: {panel-sizes}.\n"
+          "--dpi 600 is the default. OUTPUT \"-\" writes to standard output.\n"
           "\n"
           "--all-panels writes eight pages instead, every panel kind on both\n"
           "sides: front colour, black, UV and overlay, then the same for the\n"
-          "back (for jobs with frontUV, backUV, frontPO and backPO set to Page).\n");
+          "back (for jobs with frontUV, backUV, frontPO and backPO set to Page).\n").c_str(),
+        f);
   return f == stderr ? 2 : 0;
 }
 

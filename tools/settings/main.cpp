@@ -14,6 +14,7 @@
 #include "lib/settings_text.h"
 #include "lib/tool_file.h"
 #include "lib/tool_model.h"
+#include "status/model_text.h"
 #include "util/safe_file.h"
 
 // Exit statuses.
@@ -34,11 +35,11 @@ static const char USAGE[] =
     "Options (before COMMAND):\n"
     "  -s, --serial SERIAL  the printer's serial number (the part of DEVICE_URI after\n"
     "                       \"?serial=\"); the file is " BRELLIAN_SETTINGS_DIR "/\n"
-    "                       brellian_br-1060_<serial>.dat, the serial lower-cased\n"
-    "  -m, --model MODEL    the printer's model (1030, 1035, 1060 or its display name):\n"
+    "                       brellian_{default-name-lower}_<serial>.dat, the serial lower-cased\n"
+    "  -m, --model MODEL    the printer's model ({ids} or its display name):\n"
     "                       areas are checked at its resolution only (default: at every\n"
     "                       model's).  The file is the same for every model: the filter\n"
-    "                       looks each printer's settings up under the name BR-1060\n"
+    "                       looks each printer's settings up under the name {default-name}\n"
     "  -f, --file PATH      work on the settings file at PATH instead\n"
     "      --force          let \"create\" replace an existing file\n"
     "  -h, --help           show this text\n"
@@ -201,7 +202,7 @@ int main(int argc, char** argv) {
       case 'm': model = optarg; break;
       case 'f': target.path = optarg; break;
       case 'F': force = true; break;
-      case 'h': fputs(USAGE, stdout); return SET_OK;
+      case 'h': fputs(Model_Expand(USAGE).c_str(), stdout); return SET_OK;
       default: fputs(USAGE, stderr); return SET_USAGE;
     }
   }
@@ -214,7 +215,7 @@ int main(int argc, char** argv) {
   // name the filter looks it up by.
   uint32_t id = 0;
   if (!model.empty() && !Tool_ParseModel(model, &id))
-    return Set_Fail(SET_USAGE, "--model must be 1030, 1035, 1060 or a model's display name");
+    return Set_Fail(SET_USAGE, Model_Expand("--model must be {ids} or a model's display name"));
   Settings_SetCheckModel(id);
   target.model = Tool_SettingsModelName();
   return Set_Command(&target, force, cmd, argc - optind - 1, argv + optind + 1);

@@ -13,6 +13,7 @@
 #include "imaging/panel.h"
 #include "lib/settings_keys.h"
 #include "lib/tool_model.h"
+#include "status/model_text.h"
 #include "util/safe_file.h"
 #include "lib/uv_image.h"
 
@@ -29,9 +30,8 @@ static const char USAGE[] =
     "   or: brellian-uvimage --model MODEL check UVFILE\n"
     "\n"
     "A UV preset file is the UV panel of one card side as the filter sends it: the\n"
-    "model's panel size W x H (1036 x 664 for models 1030 and 1035, 2072 x 1328 for\n"
-    "the 1060), one byte per dot, rows top to bottom, no header; 255 applies UV, 0\n"
-    "none.  A picture becomes a UV file as the filter makes a UV panel from a page:\n"
+    "model's panel size W x H ({panel-sizes}),\n"
+    "one byte per dot, rows top to bottom, no header; 255 applies UV, 0 none.  A picture becomes a UV file as the filter makes a UV panel from a page:\n"
     "each pixel gives 255 minus its luminance (0.299 R + 0.587 G + 0.114 B, cut to a\n"
     "whole number), so black prints UV and white none; transparency counts as white.\n"
     "The picture's top-left pixel is the panel's first dot, before any rotation the\n"
@@ -47,7 +47,7 @@ static const char USAGE[] =
     "                         must be exactly the model's W x H bytes\n"
     "\n"
     "Options (before the command):\n"
-    "  -m, --model MODEL   1030, 1035, 1060 or a model's display name (required)\n"
+    "  -m, --model MODEL   {ids-or} or a model's display name (required)\n"
     "      --fit MODE      a picture of another size: exact (default) refuses it; fit\n"
     "                      scales it keeping its aspect ratio, centred, the margins without\n"
     "                      UV; stretch scales it to the panel (both nearest neighbour)\n"
@@ -59,11 +59,11 @@ static const char USAGE[] =
     "written to a temporary file, flushed and renamed into place.\n"
     "\n"
     "Examples:\n"
-    "  brellian-uvimage --model 1030 --fit fit install logo.png logo.uv\n"
+    "  brellian-uvimage --model {first-id} --fit fit install logo.png logo.uv\n"
     "\n"
-    "  brellian-uvimage --model 1030 --serial AB12 --preset 1 install logo.png logo.uv\n"
+    "  brellian-uvimage --model {first-id} --serial AB12 --preset 1 install logo.png logo.uv\n"
     "\n"
-    "  brellian-uvimage --model 1060 to-png " BRELLIAN_CONF_DIR "/uv/logo.uv logo-check.png\n"
+    "  brellian-uvimage --model {default-id} to-png " BRELLIAN_CONF_DIR "/uv/logo.uv logo-check.png\n"
     "\n"
     "Exit status: 0 done, 1 the picture or file does not fit the model, 2 bad\n"
     "arguments, 3 a file could not be read or written.\n";
@@ -189,7 +189,7 @@ int main(int argc, char** argv) {
         a.preset = strlen(optarg) == 1 && optarg[0] >= '1' && optarg[0] <= '5' ? optarg[0] - '0' : -1;
         if (a.preset < 0) return Uv_Fail(UV_USAGE, std::string("--preset \"") + optarg + "\" is not 1 to 5");
         break;
-      case 'h': fputs(USAGE, stdout); return UV_OK;
+      case 'h': fputs(Model_Expand(USAGE).c_str(), stdout); return UV_OK;
       default: fputs(USAGE, stderr); return UV_USAGE;
     }
   }
@@ -198,7 +198,7 @@ int main(int argc, char** argv) {
   if (cmd != "to-raw" && cmd != "to-png" && cmd != "install" && cmd != "check")
     return Uv_Fail(UV_USAGE, "unknown command \"" + cmd + "\"");
   if (model.empty() || !Tool_ParseModel(model, &a.model))
-    return Uv_Fail(UV_USAGE, "--model must be 1030, 1035 or 1060");
+    return Uv_Fail(UV_USAGE, Model_Expand("--model must be {ids-or}"));
   if (a.serial.empty() != (a.preset == 0) || (!a.serial.empty() && cmd != "install"))
     return Uv_Fail(UV_USAGE, "--serial and --preset go together, with install");
   return Uv_Command(a, cmd, argc - optind - 1, argv + optind + 1);
