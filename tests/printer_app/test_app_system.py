@@ -115,7 +115,7 @@ class AppSystemTest(unittest.TestCase):
         self.assertEqual(r.returncode, 0, r.stderr)
         self.assertIn("-o brellian-front-ribbon=color (default)\n", r.stdout)
         self.assertIn("-o brellian-front-ribbon=monochrome\n", r.stdout)
-        self.assertIn("-o brellian-front-secure-erase=true|false (default: false)\n", r.stdout)
+        self.assertIn("-o brellian-front-rotate=true|false (default: false)\n", r.stdout)
         self.assertIn("-o sides=two-sided-long-edge\n", r.stdout)
         doc = os.path.join(self.server.tmp, "cli.pwg")
         subprocess.run([RASTERWRITE, "--pwg", "-r", "600", "-W", "2072", "-H", "1328", "-o", doc, "pattern"],
