@@ -5,6 +5,7 @@ set -euo pipefail
 
 packages=(build-essential cmake pkg-config libcups2-dev libcupsimage2-dev libgtest-dev
           libbenchmark-dev libpng-dev cups-ppdc cups-client help2man man-db libpappl-dev
+          libavahi-client-dev
           cups-ipp-utils libjpeg-turbo-progs python3)
 if [ "${1:-}" = "--full" ]; then
   packages+=(cups cups-filters ghostscript poppler-utils clang libclang-rt-14-dev
