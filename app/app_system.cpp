@@ -5,14 +5,16 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include "app/accessories.h"
-#include "app/pappl_driver.h"
+#include "app/dnssd_check.h"
 #include "app/models.h"
+#include "app/pappl_driver.h"
 #include "app/pdf_job.h"
 #include "app/vendor_table.h"
 #include "app/web_pages.h"
@@ -22,11 +24,12 @@ namespace {
 
 std::string g_stateFile;
 
-// 'App_StateFile()' - Where the printers are kept: /var/lib for root,
-// else under $XDG_CONFIG_HOME (or ~/.config).
-std::string App_StateFile() {
-  if (getuid() == 0 && !getenv("XDG_CONFIG_HOME")) return "/var/lib/brellian-printer-app.state";
+// 'App_ConfigDir()' - The directory of a server not run as root:
+// $XDG_CONFIG_HOME, else ~/.config (made when missing).  "" for root
+// without $XDG_CONFIG_HOME, whose state lives under /var.
+std::string App_ConfigDir() {
   const char* xdg = getenv("XDG_CONFIG_HOME");
+  if (getuid() == 0 && !xdg) return "";
   std::string dir;
   if (xdg && *xdg) {
     dir = xdg;
@@ -35,7 +38,44 @@ std::string App_StateFile() {
     dir = std::string(home && *home ? home : "/tmp") + "/.config";
   }
   mkdir(dir.c_str(), 0700);
-  return dir + "/brellian-printer-app.state";
+  return dir;
+}
+
+// 'App_StateFile()' - Where the printers and their defaults are kept:
+// /var/lib for root, else in the configuration directory.
+std::string App_StateFile() {
+  std::string dir = App_ConfigDir();
+  return dir.empty() ? "/var/lib/brellian-printer-app.state" : dir + "/brellian-printer-app.state";
+}
+
+// 'App_SpoolDir()' - The spool directory when the "spool-directory"
+// option is not given: /var/spool/brellian-printer-app for root, else
+// brellian-printer-app.d in the configuration directory.  PAPPL keeps each
+// printer's own files there (its device settings), so it must outlive the
+// process: PAPPL's own default is a new temporary directory per process,
+// which a restart of the service (PrivateTmp) wipes.  Made when missing;
+// nullptr when it cannot be made, and PAPPL then uses its default.
+const char* App_SpoolDir() {
+  static std::string spool;
+  std::string dir = App_ConfigDir();
+  spool = dir.empty() ? "/var/spool/brellian-printer-app" : dir + "/brellian-printer-app.d";
+  if (mkdir(spool.c_str(), 0700) != 0 && errno != EEXIST) return nullptr;
+  return spool.c_str();
+}
+
+// 'App_AddStrings()' - The labels of the card attributes, for the web
+// interface and for clients (printer-strings-uri).  PAPPL 1.3.1 appends one
+// more "printer-strings-languages-supported" attribute to the printer for
+// every Get-Printer-Attributes once a strings resource carries a language,
+// which makes its answers invalid (a duplicate attribute) and grows without
+// end.  So the labels are registered for the web interface, then the file
+// is served again as a plain resource; Driver_Apply() names it in
+// printer-strings-uri and printer-strings-languages-supported.
+void App_AddStrings(pappl_system_t* system) {
+  static const std::string strings = Vendor_StringsText();
+  papplSystemAddStringsData(system, APP_STRINGS_PATH, "en", strings.c_str());
+  papplSystemRemoveResource(system, APP_STRINGS_PATH);
+  papplSystemAddResourceString(system, APP_STRINGS_PATH, "text/strings", strings.c_str());
 }
 
 // 'App_LogLevel()' - A log-level option value.
@@ -108,10 +148,12 @@ pappl_system_t* App_SystemCallback(int num_options, cups_option_t* options, void
   int port = portText ? atoi(portText) : 0;
   const char* authService = cupsGetOption("auth-service", num_options, options);
   pappl_soptions_t soptions = App_ServerOptions(cupsGetOption("server-options", num_options, options));
+  const char* spool = cupsGetOption("spool-directory", num_options, options);
+  if (!spool) spool = App_SpoolDir();
   pappl_system_t* system = papplSystemCreate(
       soptions, cupsGetOption("server-name", num_options, options) ? cupsGetOption("server-name", num_options, options)
                                                                   : "Brellian Card Printers",
-      port, "_print,_universal", cupsGetOption("spool-directory", num_options, options),
+      port, "_print,_universal", spool,
       cupsGetOption("log-file", num_options, options), App_LogLevel(cupsGetOption("log-level", num_options, options)),
       authService, false);
   if (!system) return nullptr;
@@ -124,9 +166,13 @@ pappl_system_t* App_SystemCallback(int num_options, cups_option_t* options, void
   papplSystemSetPrinterDrivers(system, static_cast<int>(drivers.size()), drivers.data(), Driver_AutoAdd,
                                App_PrinterCreated, Driver_Callback, nullptr);
   papplSystemAddMIMEFilter(system, "application/pdf", "application/vnd.brellian-job", Pdf_PrintFile, nullptr);
-  static const std::string strings = Vendor_StringsText();
-  papplSystemAddStringsData(system, "/en.strings", "en", strings.c_str());
-  papplSystemSetFooterHTML(system, "Brellian card printer application " BRELLIAN_APP_VERSION);
+  App_AddStrings(system);
+  static std::string footer = "Brellian card printer application " BRELLIAN_APP_VERSION;
+  if (!DnsSd_Available()) {
+    papplLog(system, PAPPL_LOGLEVEL_WARN, "%s", g_dnssdUnavailableText);
+    footer += std::string("<br>") + g_dnssdUnavailableText;
+  }
+  papplSystemSetFooterHTML(system, footer.c_str());
   pappl_version_t version = {};
   snprintf(version.name, sizeof(version.name), "brellian-printer-app");
   snprintf(version.sversion, sizeof(version.sversion), BRELLIAN_APP_VERSION);

@@ -4,6 +4,9 @@
 
 #include <pappl/pappl.h>
 
+// Where the labels of the card attributes are served.
+#define APP_STRINGS_PATH "/en.strings"
+
 // 'App_SystemCallback()' - Create the system from the "server" options.
 pappl_system_t* App_SystemCallback(int num_options, cups_option_t* options, void* data);
 

@@ -4,12 +4,15 @@
 #include <signal.h>
 
 #include <cstdio>
+#include <cstring>
 #include <vector>
 
 #include "app/app_system.h"
+#include "app/cli_commands.h"
+#include "app/dnssd_check.h"
 #include "app/file_device.h"
-#include "app/pappl_driver.h"
 #include "app/models.h"
+#include "app/pappl_driver.h"
 #include "app/stream_queue.h"
 #include "lib/tool_model.h"
 
@@ -27,6 +30,9 @@ static void App_Usage(void*) { fputs(App_UsageText(), stdout); }
 int main(int argc, char* argv[]) {
   signal(SIGPIPE, SIG_IGN);  // a filter that ends early must not end the server
   Tool_Init();               // model tables for the presets; the library's trace log silent
+  if (argc > 1 && Cli_Handles(argv[1])) return Cli_Run(argc, argv);
+  if (argc > 1 && strcmp(argv[1], "devices") == 0 && !DnsSd_Available())
+    fprintf(stderr, "brellian-printer-app: %s\n", g_dnssdUnavailableText);
   FileDev_Register();        // before PAPPL registers its own "file" scheme
   (void)StreamQueue_Active();  // raster jobs wait for a busy printer
   int32_t count = 0;

@@ -15,6 +15,11 @@ using TAppModel = TModelInfo;
 constexpr int32_t APP_MEDIA_COUNT = 4;
 extern const char* const g_appMedia[APP_MEDIA_COUNT];
 
+// The margin of the sizes that are not borderless, in hundredths of a
+// millimetre: the smallest there is, so that a document of the card's size
+// is not shrunk to fit.
+constexpr int32_t APP_MEDIA_MARGIN = 1;
+
 // 'App_Models()' - The models of the model table; *count receives their number.
 const TAppModel* App_Models(int32_t* count);
 

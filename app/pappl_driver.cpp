@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "app/ipp_conformance.h"
 #include "app/raster_job.h"
 #include "app/raw_job.h"
 #include "app/vendor_table.h"
-#include "app/web_pages.h"
 
 namespace {
 
@@ -23,7 +23,11 @@ void Driver_FillData(const TAppModel& model, const TAccessories& acc, pappl_pr_d
   data->rwriteline_cb = RasterJob_WriteLine;
   data->rendpage_cb = RasterJob_EndPage;
   data->rendjob_cb = RasterJob_EndJob;
-  data->delete_cb = Web_RemovePrinterPages;
+  // No delete callback: PAPPL calls it while it holds the system lock and
+  // removes every resource whose data is the printer (the "Card presets"
+  // and "Device settings" pages) by itself; removing them here took that
+  // lock a second time and left every thread of the server waiting.
+  data->delete_cb = nullptr;
   data->printfile_cb = Raw_PrintFile;
   data->format = "application/vnd.brellian-job";
   snprintf(data->make_and_model, sizeof(data->make_and_model), "%s", App_Description(model));
@@ -45,8 +49,14 @@ void Driver_FillData(const TAppModel& model, const TAccessories& acc, pappl_pr_d
   data->num_resolution = 1;
   data->x_resolution[0] = data->y_resolution[0] = model.dpi;
   data->x_default = data->y_default = model.dpi;
+  // Every size twice: borderless, and with a margin of APP_MEDIA_MARGIN.
+  // A CUPS driverless queue names the borderless ones "....Borderless" and
+  // can take its default size only from one with a margin; with borderless
+  // sizes alone its default matched none and PDF went out on Letter.  The
+  // card is printed edge to edge either way: the raster always covers the
+  // whole card.
   data->borderless = true;
-  data->left_right = data->bottom_top = 0;
+  data->left_right = data->bottom_top = APP_MEDIA_MARGIN;
   data->num_media = APP_MEDIA_COUNT;
   for (int i = 0; i < APP_MEDIA_COUNT; ++i) data->media[i] = g_appMedia[i];
   data->num_source = 1;
@@ -60,13 +70,19 @@ void Driver_FillData(const TAppModel& model, const TAccessories& acc, pappl_pr_d
     media.size_width = pwg->width;
     media.size_length = pwg->length;
   }
+  media.left_margin = media.right_margin = APP_MEDIA_MARGIN;
+  media.bottom_margin = media.top_margin = APP_MEDIA_MARGIN;
   snprintf(media.source, sizeof(media.source), "main");
   snprintf(media.type, sizeof(media.type), "plastic");
   data->media_default = media;
   data->media_ready[0] = media;
-  data->orient_default = IPP_ORIENT_NONE;
-  data->identify_supported = PAPPL_IDENTIFY_ACTIONS_NONE;
-  data->identify_default = PAPPL_IDENTIFY_ACTIONS_NONE;
+  // Portrait: a picture is printed as sent, not turned (IPP Everywhere
+  // wants a default from portrait to reverse-portrait; "none", PAPPL's turn
+  // to fit, stays offered to jobs).
+  data->orient_default = IPP_ORIENT_PORTRAIT;
+  data->identify_cb = Conf_Identify;
+  data->identify_supported = PAPPL_IDENTIFY_ACTIONS_DISPLAY;
+  data->identify_default = PAPPL_IDENTIFY_ACTIONS_DISPLAY;
 }
 
 // 'Driver_OldDefault()' - The default an administrator set, if any.
@@ -147,7 +163,9 @@ bool Driver_Apply(pappl_printer_t* printer, const TAppModel& model, const TAcces
   ipp_t* old = papplPrinterGetDriverAttributes(printer);
   ipp_t* attrs = ippNew();
   Driver_AddVendor(model, acc, old, &data, attrs);
+  Conf_AddPrinterAttrs(printer, data, attrs);
   bool ok = papplPrinterSetDriverData(printer, &data, attrs);
+  Conf_SetSupplies(printer, acc);
   ippDelete(attrs);
   ippDelete(old);
   return ok;

@@ -232,6 +232,8 @@ bool RasterJob_EndJob(pappl_job_t* job, pappl_pr_options_t*, pappl_device_t* dev
   }
   if (ok && rj->messages.warnings > 0)
     papplJobSetReasons(job, PAPPL_JREASON_JOB_COMPLETED_WITH_WARNINGS, PAPPL_JREASON_NONE);
+  else if (ok && !cancelled)  // PAPPL 1.3.1 answers a streamed Print-Job without job-state-reasons when none is set
+    papplJobSetReasons(job, PAPPL_JREASON_JOB_COMPLETED_SUCCESSFULLY, PAPPL_JREASON_NONE);
   papplJobSetData(job, nullptr);
   delete rj;
   return ok || cancelled;

@@ -58,7 +58,9 @@ static const char USAGE[] =
     "  listen-hostname=HOST        Listen on HOST only, e.g. localhost.\n"
     "  server-name=NAME            Name shown by clients and in the web interface.\n"
     "  server-hostname=HOST        Host name the server announces.\n"
-    "  spool-directory=DIR         Keep job files in DIR.\n"
+    "  spool-directory=DIR         Keep job files and each printer's device settings\n"
+    "                              in DIR (default: /var/spool/brellian-printer-app\n"
+    "                              for root, else $XDG_CONFIG_HOME/brellian-printer-app.d).\n"
     "  log-file=FILE               Log to FILE (\"-\" for standard error, \"syslog\").\n"
     "  log-level=LEVEL             fatal, error, warn (default), info or debug.\n"
     "  admin-group=GROUP           Group allowed to administer the server.\n"
@@ -100,6 +102,7 @@ static const char USAGE[] =
     "\n"
     "Files:\n"
     "  /var/lib/brellian-printer-app.state   printers and defaults (server run as root)\n"
+    "  /var/spool/brellian-printer-app/      device settings of each printer, spool files\n"
     "  /etc/brellian/                        card presets, UV images, colour tables\n";
 
 // 'App_UsageText()' - The text above, the models named from the model table.

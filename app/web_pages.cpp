@@ -19,11 +19,3 @@ void Web_AddPrinterPages(pappl_printer_t* printer) {
   papplPrinterAddLink(printer, "Device settings", path, PAPPL_LOPTIONS_CONFIGURATION | PAPPL_LOPTIONS_NAVIGATION);
   Web_GuardPrinterHome(printer);
 }
-
-// 'Web_RemovePrinterPages()' - The resources of a deleted printer.
-void Web_RemovePrinterPages(pappl_printer_t* printer, pappl_pr_driver_data_t*) {
-  pappl_system_t* system = papplPrinterGetSystem(printer);
-  char path[256];
-  papplSystemRemoveResource(system, papplPrinterGetPath(printer, "presets", path, sizeof(path)));
-  papplSystemRemoveResource(system, papplPrinterGetPath(printer, "device", path, sizeof(path)));
-}

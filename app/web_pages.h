@@ -5,11 +5,10 @@
 #include <pappl/pappl.h>
 
 // 'Web_AddPrinterPages()' - Register a printer's "Card presets" and
-// "Device settings" pages and their links.
+// "Device settings" pages and their links.  Their callback data is the
+// printer, so PAPPL removes them itself when the printer is deleted.
 void Web_AddPrinterPages(pappl_printer_t* printer);
 
-// 'Web_RemovePrinterPages()' - Unregister them when the printer goes.
-void Web_RemovePrinterPages(pappl_printer_t* printer, pappl_pr_driver_data_t* data);
 
 // The page handlers (resource callbacks, data is the printer).
 bool Web_DevicePage(pappl_client_t* client, void* data);

@@ -91,7 +91,11 @@ int Usbbr_Print(int argc, char** argv) {
       return CUPS_BACKEND_STOP;
     }
     if (found == 0 && !lowerUri.empty()) break;
-    if (found == 0 && !waiting) {
+    if (found == 0) {
+      // Said again on every look: the spooler shows the last INFO: line of
+      // any filter of the job, so a message written once is soon replaced
+      // (by the upstream filters' "Rendering completed") while the job
+      // still waits for the printer.
       fputs("STATE: +connecting-to-device\n", stderr);
       fprintf(stderr, "INFO: Waiting for printer %s to be connected.\n", uri.c_str());
       waiting = true;

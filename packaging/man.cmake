@@ -19,7 +19,6 @@ set(BRELLIAN_HELP_MAN_PAGES
   "brellian-preview|1|show what a job will print, one picture per card side"
   "brellian-batch|1|print a batch of cards, one job per card, each card exactly once"
   "usbbr|8|CUPS backend for Brellian ID-card printers on USB"
-  "brellian-printer-app|1|IPP Everywhere printer application for Brellian ID-card printers"
   ${BRELLIAN_EXTRA_HELP_MAN_PAGES})
 
 find_program(HELP2MAN help2man)

@@ -18,8 +18,9 @@ set(CPACK_DEBIAN_PACKAGE_PRIORITY "optional")
 # upstream filters that turn documents into CUPS raster are named here.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "cups, cups-filters")
-# The log rotation rule is read by logrotate, present on most systems.
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "logrotate")
+# The log rotation rule is read by logrotate, present on most systems;
+# avahi-daemon announces the printer application's printers (DNS-SD).
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "logrotate, avahi-daemon")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA
     "${CMAKE_SOURCE_DIR}/packaging/debian/postinst;${CMAKE_SOURCE_DIR}/packaging/debian/postrm;${CMAKE_SOURCE_DIR}/packaging/debian/conffiles")
 # Programs are shipped without their symbol tables.

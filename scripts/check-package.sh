@@ -46,6 +46,18 @@ rm -rf "$root"
 mkdir -p "$root/upper" "$root/work" "$root/merged"
 cp docs/samples/sample-card.pdf "$root/sample-card.pdf"
 cp scripts/check-installed.sh "$root/check-installed.sh"
+# A glabels badge of the shipped CR80 template (docs/badges), made here with
+# generated photos, for the badge job below (glabels keeps the templates it
+# meets under HOME, so it gets a HOME of its own).
+mkdir -p "$root/badge"
+cp docs/badges/badge.glabels docs/badges/people.csv "$root/badge/"
+for i in 1 2 3; do
+  gs -q -dSAFER -dBATCH -dNOPAUSE -sDEVICE=png16m -r72 -g240x300 -sOutputFile="$root/badge/photo$i.png" \
+     -c "0 1 299 { /y exch def y 300 div 0.3 add 0.$((3 + i)) 0.6 setrgbcolor 0 y 240 1 rectfill } for
+         0.9 0.75 0.6 setrgbcolor 120 180 60 0 360 arc fill 0.3 0.3 0.5 setrgbcolor 40 0 160 110 rectfill showpage"
+done
+(cd "$root/badge" && HOME="$root/badge" glabels-3-batch -o "$root/badge.pdf" badge.glabels >/dev/null 2>&1)
+test -s "$root/badge.pdf"
 
 unshare --mount --propagation private bash -s "$root" "$deb" <<'INNER'
 set -euo pipefail
@@ -59,6 +71,7 @@ mount -t tmpfs tmpfs "$m/run"
 cp "$deb" "$m/tmp/package.deb"
 cp "$root/sample-card.pdf" "$m/tmp/sample-card.pdf"
 cp "$root/check-installed.sh" "$m/tmp/check-installed.sh"
+cp "$root/badge.pdf" "$m/tmp/badge.pdf"
 chroot "$m" /bin/bash -s <<'CHROOT'
 set -euo pipefail
 trap 'echo "check-package: failed at line $LINENO of the check"; tail -n 30 /var/log/cups/error_log 2>/dev/null || true' ERR
@@ -136,6 +149,19 @@ fi
 /usr/bin/brellian-jobdump --quiet /tmp/out/job.bin
 grep -q 'CMD: ICMD_ENDJOB' /var/log/brellian/rastertobrellian.log
 echo "check-package: dpkg -i, lpadmin and lp gave a complete job; the filter logged to /var/log/brellian as $(stat -c %U /var/log/brellian/rastertobrellian.log)"
+
+# The glabels badge with the colour mode as the only option: the employee
+# number scans from the black panel in Monochrome and from the resin panel
+# in ColorK, with the installed PPD's defaults.
+for mode in Monochrome ColorK; do
+  rm -rf /tmp/out/job.bin "/tmp/out/$mode"
+  lp -d cards -t "Badge $mode" -o "frontRibbon=$mode" /tmp/badge.pdf >/dev/null
+  for i in $(seq 600); do [ -z "$(lpstat -o)" ] && break; sleep 0.2; done
+  /usr/bin/brellian-jobdump --quiet -p "/tmp/out/$mode" /tmp/out/job.bin >/dev/null
+  zbarimg -q /tmp/out/$mode/side0-panel*-k.png | grep -qx 'CODE-128:BR-100421' ||
+    { echo "check-package: the badge's bar code does not scan from the $mode black panel"; exit 1; }
+done
+echo "check-package: a glabels badge printed with frontRibbon=Monochrome or ColorK alone scans from its black panel"
 
 # The installed printer application finds the installed filter and PPD files
 # by itself: a PWG raster job on a file: device gives a complete job stream.

@@ -5,6 +5,7 @@ set -euo pipefail
 
 packages=(build-essential cmake pkg-config libcups2-dev libcupsimage2-dev libgtest-dev
           libbenchmark-dev libpng-dev cups-ppdc cups-client help2man man-db libpappl-dev
+          libavahi-client-dev
           cups-ipp-utils libjpeg-turbo-progs python3)
 if [ "${1:-}" = "--full" ]; then
   packages+=(cups cups-filters ghostscript poppler-utils clang libclang-rt-14-dev
@@ -18,6 +19,10 @@ if [ "${1:-}" = "--full" ]; then
   # The photo badge of the black rendering test: its Code 128 bar code is
   # made with zint and read back from the black panel with zbarimg.
   packages+=(zint zbar-tools)
+  # The badge table: badges made with glabels, qrencode and zint, read back
+  # with zbarimg and, for Data Matrix and PDF417, which zbarimg cannot read,
+  # with the zxing-cpp Python binding.
+  packages+=(glabels qrencode python3-zxing-cpp python3-numpy)
 fi
 
 missing=()

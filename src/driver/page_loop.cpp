@@ -16,6 +16,7 @@
 #include "driver/loop_warnings.h"
 #include "driver/page_rows.h"
 #include "driver/printing_task.h"
+#include "imaging/blank_side.h"
 #include "imaging/page_process.h"
 #include "imaging/page_warnings.h"
 #include "imaging/panel.h"
@@ -81,6 +82,7 @@ void Loop_KeepBuffers(const TPrintingTask* task) {
 void Loop_EndJob(TPrintingTask* task) {
   bool sideEnded = false;
   if (task->sideOpen) {
+    Blank_EndSide(task);
     Job_EndSide(task);
     sideEnded = true;
   }

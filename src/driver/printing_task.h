@@ -68,6 +68,9 @@ class TPrintingTask {
   // (for the end-of-job warning; they are never printed).
   int32_t firstPageBeyondCard = 0;
   int32_t pagesBeyondCard = 0;
+  // 1 once a colour or black panel of the open side holds a printed dot
+  // (for the warning about a side that prints nothing).
+  int32_t sideHasInk = 0;
 
   // Job option record.
   int32_t printerModel = 0;

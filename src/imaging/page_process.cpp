@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "driver/printing_task.h"
+#include "imaging/blank_side.h"
 #include "imaging/page_warnings.h"
 #include "imaging/panel.h"
 #include "imaging/stages.h"
@@ -77,6 +78,7 @@ bool Page_IsPOPreset(int32_t po) { return po >= 2 && po <= 12; }
 // 'Page_EndSide()' - Close the side; closing the card's last side latches
 // jobComplete, so the job's later pages are read but not printed.
 void Page_EndSide(TPrintingTask* task) {
+  Blank_EndSide(task);
   Job_EndSide(task);
   if (task->cardOpen == 0) task->jobComplete = 1;
 }

@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "driver/printing_task.h"
+#include "imaging/blank_side.h"
 #include "imaging/page_process.h"
 #include "imaging/page_warnings.h"
 #include "imaging/panel.h"
@@ -34,6 +35,7 @@ int32_t Page_PrintSidePanel(TPrintingTask* task,  // I - Job (output, side, mode
     Log_Write(LOG_ENTRYEXIT, "<<<< Page_PrintSidePanel[nullptr]");
     return 0;
   }
+  Blank_NotePanel(task, panelType, data);
   if (rows == 0) {
     // Not one row fits in an image record: the panel cannot be sent in
     // whole rows, so nothing is sent rather than looping without progress.

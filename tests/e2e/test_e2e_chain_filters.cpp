@@ -109,3 +109,78 @@ TEST_F(ChainFilters, TextStartsTwelvePointsInUnlessTheJobSetsItsMargins) {
   EXPECT_NEAR(ma.top + 200, mb.top, 3);
   EXPECT_EQ(0, TmpEntries());
 }
+
+TEST_F(ChainFilters, ALongTextIsLaidOutOnlyAsFarAsOneCardGoes) {
+  // 300 form feeds are 300 pages; a card takes at most 8.
+  std::string text = dir_ + "/form-feeds.txt";
+  Test_WriteFile(text, "FRONT\n" + std::string(300, '\f'));
+  TProcessResult r = Run("texttobrellian", "frontRibbon=Monochrome", text);
+  ASSERT_EQ(0, r.status) << r.err;
+  size_t pages = 0;
+  for (size_t at = r.err.find("PAGE: "); at != std::string::npos; at = r.err.find("PAGE: ", at + 1)) ++pages;
+  EXPECT_GE(pages, 1u);
+  EXPECT_LE(pages, 8u) << "pages read by the filter";
+  TStreamCheck s;
+  Stream_Read(r.out, &s);
+  EXPECT_TRUE(s.complete) << s.error;
+  EXPECT_EQ(0, TmpEntries());
+}
+
+TEST_F(ChainFilters, ALongPdfIsRenderedOnlyAsFarAsOneCardGoes) {
+  std::string ps = dir_ + "/pages.ps", pdf = dir_ + "/pages.pdf";
+  Test_WriteFile(ps, "%!PS\n1 1 30 { /Helvetica findfont 24 scalefont setfont 20 60 moveto 3 string cvs show "
+                     "showpage } for\n");
+  ASSERT_EQ(0, Test_RunProcess({"/usr/bin/gs", "-q", "-dSAFER", "-dBATCH", "-dNOPAUSE", "-sDEVICE=pdfwrite",
+                                "-dDEVICEWIDTHPOINTS=248.64", "-dDEVICEHEIGHTPOINTS=159.36",
+                                "-sOutputFile=" + pdf, ps}).status);
+  TProcessResult r = Run("pdftobrellian", "frontRibbon=Color", pdf);
+  ASSERT_EQ(0, r.status) << r.err;
+  EXPECT_NE(std::string::npos, r.err.find("PAGE: 8 ")) << r.err;
+  EXPECT_EQ(std::string::npos, r.err.find("PAGE: 9 ")) << "more than a card's pages rendered";
+  EXPECT_NE(std::string::npos, r.err.find("WARNING: Only the first 8 pages of the document are rendered: a job "
+                                          "prints one card, which takes at most 8 pages.\n"));
+  EXPECT_EQ(0, TmpEntries());
+}
+
+TEST_F(ChainFilters, AnEpsDrawnFarFromTheOriginLandsOnTheCard) {
+  // A logo whose bounding box lies far off a card-sized page at the origin.
+  std::string eps = dir_ + "/logo.eps";
+  Test_WriteFile(eps, "%!PS-Adobe-3.0 EPSF-3.0\n%%BoundingBox: 251 331 371 512\n%%EndComments\n"
+                      "0 0 1 setrgbcolor 251 331 120 181 rectfill 0 setgray 261 341 100 161 rectfill\n");
+  TProcessResult r = Run("pdftobrellian", "frontRibbon=Color", eps);
+  ASSERT_EQ(0, r.status) << r.err;
+  TStreamCheck s;
+  Stream_Read(r.out, &s);
+  ASSERT_TRUE(s.complete) << s.error;
+  TMargins m = Real_Measure(s.panels.front());
+  // Fitted to the card (the rim outside it is 25 and 26 dots at 600 dpi):
+  // turned, its long side across the card; its short side, 120 points,
+  // fills the card's height less 0.5 point (4 dots) each side, lifted
+  // 3 dots by the renderer; centred across.
+  EXPECT_NEAR(26 + 4 - 3, m.top, 2);
+  EXPECT_NEAR(26 + 4 + 3, m.bottom, 2);
+  EXPECT_NEAR(m.left, m.right, 2);
+  EXPECT_GE(m.left, 25 + 4);
+  // 181 x 120 points scaled by (153.07 - 1) / 120: 1911 dots across.
+  EXPECT_NEAR(1911, 2072 - m.left - m.right, 3);
+}
+
+TEST_F(ChainFilters, AWidePictureIsNotTurnedAndStaysInsideTheCard) {
+  // A bar-code picture three times as wide as it is high, through the
+  // spooler's own choice of filters.
+  std::string png = dir_ + "/wide.png";
+  ASSERT_EQ(0, Test_RunProcess({"/usr/bin/gs", "-q", "-dSAFER", "-dBATCH", "-dNOPAUSE", "-sDEVICE=pnggray",
+                                "-r72", "-g300x100", "-sOutputFile=" + png, "-c",
+                                "0 setgray 0 0 300 100 rectfill 1 setgray 4 4 292 92 rectfill 0 setgray "
+                                "10 10 290 { 0 4 100 rectfill } for showpage"}).status);
+  TRealRun run = Real_RunCupsfilter(Cups_WriteFilesConf(dir_, dir_ + "/serverbin"), 1060, png, {});
+  ASSERT_EQ(0, run.status) << run.err;
+  ASSERT_TRUE(run.stream.complete) << run.stream.error;
+  TMargins m = Real_Measure(run.stream.panels.front());
+  double w = 2072 - m.left - m.right, h = 1328 - m.top - m.bottom;
+  EXPECT_GT(w, 2.5 * h) << "the picture was turned";
+  // 96 % of the panel's width, inside the card.
+  EXPECT_GE(m.left, 25);
+  EXPECT_GE(m.right, 25);
+  EXPECT_NEAR(0.96 * 2072, w, 12);
+}

@@ -159,3 +159,26 @@ TEST_F(Connect, NetworkQueueOnTheSocketBackendPrintsWithItsPresets) {
   EXPECT_NE(0, spooler.Run("lpadmin -p cardsbad -E -v '" + refused + "' -P " + Cups_PpdPath(1060), &out));
   EXPECT_NE(std::string::npos, out.find("Bad device-uri")) << out;
 }
+
+TEST_F(Connect, APrinterNotConnectedStaysOnTheStatusLineWhileTheJobWaits) {
+  // The job's filters end within seconds and write their own INFO: lines;
+  // usbbr, still waiting, says it again on its next look (1, 3, 7, 15 s),
+  // so that lpstat -p shows the wait rather than the filters' last word.
+  std::string dir = Cups_WorkDir("connect-wait");
+  TUsbStandIn lower = Usb_MakeStandIn(dir + "/usb", {USB_LINE_1035});
+  TTestSpooler spooler(dir);
+  spooler.AddBackend("usbbr", Usb_UsbbrPath(), 0700);
+  spooler.SetEnv("BRELLIAN_USBBR_LOWER", lower.program);
+  std::string error, out;
+  ASSERT_TRUE(spooler.Start(&error)) << error;
+  ASSERT_EQ(0, spooler.Run(FromGuide(GUIDE_USB), &out)) << out;
+  ASSERT_EQ(0, spooler.Run("lp -d cards " + Cups_SampleCardPdf(), &out)) << out;
+  sleep(12);
+  ASSERT_EQ(0, spooler.Run("lpstat -l -p cards", &out)) << out;
+  EXPECT_NE(std::string::npos,
+            out.find("Waiting for printer usbbr://Brellian/BR-1060?serial=ABC123 to be connected."))
+      << out << spooler.ErrorLog();
+  EXPECT_NE(std::string::npos, out.find("connecting-to-device")) << out;
+  EXPECT_TRUE(lower.Capture().empty());
+  spooler.Run("cancel -a cards", &out);
+}

@@ -115,6 +115,11 @@ TEST(PPDFiles, ModelFilterAndRaster) {
     EXPECT_TRUE(HasPrefix(lines, std::string("*cupsFilter2: \"application/vnd.cups-pdf") + finalType +
                                      "30 pdftobrellian\""));
     EXPECT_TRUE(HasPrefix(lines, std::string("*cupsFilter2: \"text/plain") + finalType + "10 texttobrellian\""));
+    // Pictures and PostScript go to pdftobrellian as they are, which places
+    // them on the card itself.
+    for (const char* type : {"application/postscript", "image/png", "image/jpeg", "image/gif", "image/tiff"})
+      EXPECT_TRUE(HasPrefix(lines, std::string("*cupsFilter2: \"") + type + finalType + "10 pdftobrellian\""))
+          << type;
     EXPECT_TRUE(HasPrefix(lines, "*DefaultResolution: " + dpi + "dpi"));
     EXPECT_TRUE(HasPrefix(lines, "*Resolution " + dpi + "dpi/" + dpi + " DPI: \"<</HWResolution[" +
                                      dpi + " " + dpi + "]/cupsBitsPerColor 8/"));

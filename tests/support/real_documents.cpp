@@ -47,11 +47,22 @@ bool PdfPageSize(const std::string& file, double* w, double* h) {
 }
 
 // 'PicturePdf()' - The picture placed on the panel-sized page by the
-// upstream imagetopdf, as the chain places it.
+// upstream imagetopdf with the options the documented rule gives: kept
+// unturned when it is wide like the card, fitted inside the card (96 % of
+// the panel) unless it has the card's proportions.
 std::string PicturePdf(const std::string& picture, int model, const std::string& dir) {
   TProcessOptions o;
   o.env["PPD"] = Cups_PpdPath(model);
-  TProcessResult r = Test_RunProcess({"/usr/lib/cups/filter/imagetopdf", "1", "u", "t", "1", "", picture}, o);
+  TProcessResult probe = Test_RunProcess({"/usr/lib/cups/filter/imagetopdf", "1", "u", "t", "1", "", picture}, o);
+  std::smatch w, h;
+  std::string options;
+  if (std::regex_search(probe.out, w, std::regex("/Width ([0-9]+)")) &&
+      std::regex_search(probe.out, h, std::regex("/Height ([0-9]+)"))) {
+    double pw = std::stod(w[1]), ph = std::stod(h[1]), r = std::max(pw, ph) / std::min(pw, ph);
+    if (pw >= ph) options = "orientation-requested=3";
+    if (r < 1.54 || r > 1.61) options += std::string(options.empty() ? "" : " ") + "scaling=96";
+  }
+  TProcessResult r = Test_RunProcess({"/usr/lib/cups/filter/imagetopdf", "1", "u", "t", "1", options, picture}, o);
   std::string pdf = dir + "/picture-" + std::to_string(model) + ".pdf";
   Test_WriteFile(pdf, r.out);
   return pdf;
@@ -134,10 +145,15 @@ TMargins Real_Expected(const TRealDocument& d, int model, const std::string& con
   } else if (d.kind == DOC_TEXT) {
     c = BBox(TextPdf(d.path, model, dir));
   } else {
-    // gstopdf makes a page of the PPD's size in whole points (248 x 159),
-    // which pdftopdf then centres on the panel.
-    pw = std::floor(kPanelW), ph = std::floor(kPanelH);
-    c = BBox(d.path);
+    // PostScript without a bounding box whose ink lies on the card-sized
+    // page at the origin: that page is fitted inside the card 0.5 point in
+    // from its edge, and the card-sized page is centred on the panel.
+    const double cw = 242.65, ch = 153.07;
+    double f = std::min((cw - 1) / cw, (ch - 1) / ch);
+    TBox ink = BBox(d.path);
+    double tx = (cw - f * cw) / 2, ty = (ch - f * ch) / 2;
+    c = {tx + f * ink.x0, ty + f * ink.y0, tx + f * ink.x1, ty + f * ink.y1};
+    pw = cw, ph = ch;
   }
   // A page of the other orientation is turned counter-clockwise: its top
   // edge becomes the left edge.

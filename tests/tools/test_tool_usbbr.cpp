@@ -132,6 +132,28 @@ TEST(UsbbrBackend, WaitsUntilThePrinterIsConnected) {
   EXPECT_TRUE(Test_Contains(err, "STATE: -connecting-to-device")) << r.err;
 }
 
+TEST(UsbbrBackend, TheWaitingStateIsSaidAgainOnEveryLook) {
+  // Two looks find nothing, the third finds the printer: the waiting state
+  // and its INFO: line come after each of the two empty looks, so that
+  // the spooler's status line keeps saying it while the job waits.
+  TUsbStandIn lower = Usb_MakeStandIn(WorkDir("print-wait-again"), {USB_LINE_1060}, 2);
+  TProcessOptions options;
+  options.input = "late job";
+  TProcessResult r = RunUsbbr(lower, kJobArgs, "usbbr://Brellian/BR-1060?serial=ABC123", options);
+  EXPECT_EQ(0, r.status) << r.err;
+  int states = 0, infos = 0;
+  for (const std::string& line : Lines(r.err)) {
+    states += line == "STATE: +connecting-to-device";
+    infos += line == "INFO: Waiting for printer usbbr://Brellian/BR-1060?serial=ABC123 to be connected.";
+  }
+  EXPECT_EQ(2, states) << r.err;
+  EXPECT_EQ(2, infos) << r.err;
+  // The state is cleared once, after the last look that found nothing.
+  size_t lastSet = r.err.rfind("STATE: +connecting-to-device"), cleared = r.err.find("STATE: -connecting-to-device");
+  ASSERT_NE(std::string::npos, cleared) << r.err;
+  EXPECT_LT(lastSet, cleared) << r.err;
+}
+
 TEST(UsbbrBackend, SigtermWhileWaitingCancelsWithoutSending) {
   TUsbStandIn lower = Usb_MakeStandIn(WorkDir("print-cancel"), {USB_LINE_1035});
   TProcessOptions options;
