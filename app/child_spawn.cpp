@@ -44,11 +44,11 @@ bool Child_User(uid_t* uid, gid_t* gid) {
 }
 
 // 'Child_Spawn()' - fork, isolate, exec; the exec's result through a pipe.
-pid_t Child_Spawn(const TChildSpec& spec, int* error) {
+pid_t Child_Spawn(const TChildCommand& cmd, int* error) {
   std::vector<char*> argv, envp;
-  for (const std::string& a : spec.argv) argv.push_back(const_cast<char*>(a.c_str()));
+  for (const std::string& a : cmd.argv) argv.push_back(const_cast<char*>(a.c_str()));
   argv.push_back(nullptr);
-  for (const std::string& e : spec.env) envp.push_back(const_cast<char*>(e.c_str()));
+  for (const std::string& e : cmd.env) envp.push_back(const_cast<char*>(e.c_str()));
   envp.push_back(nullptr);
   uid_t uid = 0;
   gid_t gid = 0;
@@ -67,7 +67,7 @@ pid_t Child_Spawn(const TChildSpec& spec, int* error) {
     signal(SIGPIPE, SIG_DFL);
     signal(SIGTERM, SIG_DFL);
     int code = 0;
-    if (dup2(spec.in, 0) < 0 || dup2(spec.out, 1) < 0 || dup2(spec.err, 2) < 0) code = errno;
+    if (dup2(cmd.in, 0) < 0 || dup2(cmd.out, 1) < 0 || dup2(cmd.err, 2) < 0) code = errno;
     // No other descriptor of the server (a device, a client's socket, a
     // listener, a file PAPPL opened without close-on-exec) reaches the
     // child: all above 2 close at exec; the failure pipe stays usable
@@ -75,7 +75,7 @@ pid_t Child_Spawn(const TChildSpec& spec, int* error) {
     if (!code) Child_CloseOnExecAbove2(maxFd);
     if (!code && drop && (setgroups(0, nullptr) != 0 || setgid(gid) != 0 || setuid(uid) != 0)) code = errno;
     if (!code) {
-      execve(spec.path.c_str(), argv.data(), envp.data());
+      execve(cmd.path.c_str(), argv.data(), envp.data());
       code = errno;
     }
     if (failPipe[1] >= 0) (void)!write(failPipe[1], &code, sizeof(code));

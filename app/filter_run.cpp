@@ -87,7 +87,7 @@ bool TFilterRun::Start(const TFilterArgs& args) {
   } else {
     filterIn = open(args.inputFile.c_str(), O_RDONLY | O_CLOEXEC);
     if (filterIn < 0) error = errno, failed = args.inputFile;
-    for (const TChildSpec& up : args.upstream) {
+    for (const TChildCommand& up : args.upstream) {
       if (filterIn < 0) break;
       int pipeFds[2];
       if (pipe2(pipeFds, O_CLOEXEC) != 0) {
@@ -96,9 +96,9 @@ bool TFilterRun::Start(const TFilterArgs& args) {
         filterIn = -1;
         break;
       }
-      TChildSpec spec = up;
-      spec.in = filterIn, spec.out = pipeFds[1], spec.err = err[1];
-      pid_t pid = Child_Spawn(spec, &error);
+      TChildCommand cmd = up;
+      cmd.in = filterIn, cmd.out = pipeFds[1], cmd.err = err[1];
+      pid_t pid = Child_Spawn(cmd, &error);
       close(filterIn), close(pipeFds[1]);
       filterIn = pipeFds[0];
       if (pid < 0) {
@@ -111,13 +111,13 @@ bool TFilterRun::Start(const TFilterArgs& args) {
     }
   }
   if (filterIn >= 0) {
-    TChildSpec spec;
-    spec.path = args.filter;
-    spec.argv.push_back("rastertobrellian");
-    spec.argv.insert(spec.argv.end(), args.argv.begin(), args.argv.end());
-    spec.env = args.env;
-    spec.in = filterIn, spec.out = out[1], spec.err = err[1];
-    pid_ = Child_Spawn(spec, &error);
+    TChildCommand cmd;
+    cmd.path = args.filter;
+    cmd.argv.push_back("rastertobrellian");
+    cmd.argv.insert(cmd.argv.end(), args.argv.begin(), args.argv.end());
+    cmd.env = args.env;
+    cmd.in = filterIn, cmd.out = out[1], cmd.err = err[1];
+    pid_ = Child_Spawn(cmd, &error);
     if (pid_ < 0) failed = args.filter;
     close(filterIn);
   }

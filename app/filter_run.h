@@ -22,7 +22,7 @@ struct TFilterArgs {
   // Filters run before rastertobrellian, each reading the one before; the
   // first reads inputFile and the last one's output is the filter's
   // input (no raster is then written through WriteHeader/WriteRow).
-  std::vector<TChildSpec> upstream;
+  std::vector<TChildCommand> upstream;
   std::string inputFile;
 };
 

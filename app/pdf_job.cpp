@@ -23,16 +23,16 @@ namespace {
 
 // 'Pdf_Stage()' - One upstream filter with the filter's arguments and an
 // environment whose CONTENT_TYPE is what it reads and TMPDIR is tmp.
-TChildSpec Pdf_Stage(const char* name, const TFilterArgs& args, const char* contentType, const std::string& tmp) {
-  TChildSpec spec;
-  spec.path = std::string(Pdf_FilterDir()) + "/" + name;
-  spec.argv.push_back(name);
-  spec.argv.insert(spec.argv.end(), args.argv.begin(), args.argv.end());
+TChildCommand Pdf_Stage(const char* name, const TFilterArgs& args, const char* contentType, const std::string& tmp) {
+  TChildCommand cmd;
+  cmd.path = std::string(Pdf_FilterDir()) + "/" + name;
+  cmd.argv.push_back(name);
+  cmd.argv.insert(cmd.argv.end(), args.argv.begin(), args.argv.end());
   for (const std::string& e : args.env)
     if (e.compare(0, 7, "TMPDIR=") != 0)
-      spec.env.push_back(e.compare(0, 13, "CONTENT_TYPE=") == 0 ? std::string("CONTENT_TYPE=") + contentType : e);
-  spec.env.push_back("TMPDIR=" + tmp);
-  return spec;
+      cmd.env.push_back(e.compare(0, 13, "CONTENT_TYPE=") == 0 ? std::string("CONTENT_TYPE=") + contentType : e);
+  cmd.env.push_back("TMPDIR=" + tmp);
+  return cmd;
 }
 
 // 'Pdf_RemoveEntry()' - nftw callback: remove one entry.
