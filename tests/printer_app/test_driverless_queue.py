@@ -64,6 +64,28 @@ def dark_box(width, rows):
     return box
 
 
+def colour_panel(stream):
+    """The first colour panel of a job stream: (width, height, rows of RGB bytes)."""
+    width = height = None
+    data, inside = [], False
+    for pos, rtype, length in h.records(stream):
+        if rtype == 8 and width is None and stream[pos + 10] == 0:
+            width, height = struct.unpack_from("<HH", stream, pos + 6)
+            inside = True
+        elif rtype == 9 and inside:
+            break
+        elif rtype == 10 and inside:
+            data.append(stream[pos + 6:pos + 6 + length])
+    body = b"".join(data)
+    assert width and len(body) == width * height * 3, "no whole colour panel in the stream"
+    return width, height, [body[y * width * 3:(y + 1) * width * 3] for y in range(height)]
+
+
+def dark_box_fast(width, rows):
+    """dark_box, looking at the dots of a row only when some byte of it is dark."""
+    return dark_box(width, [row if min(row) < 128 else b"\xff" * len(row) for row in rows])
+
+
 @unittest.skipUnless(shutil.which("cupsd") and os.path.exists("/usr/lib/cups/filter/gstoraster"),
                      "needs cupsd and cups-filters")
 class DriverlessQueueTest(unittest.TestCase):
@@ -108,6 +130,7 @@ class DriverlessQueueTest(unittest.TestCase):
         with open(os.path.join(self.out, outputs[0]), "rb") as f:
             stream = f.read()
         self.assertEqual(h.mask_card_ids(stream)[1], 2, "one card: a start-card and an end-card record")
+        self.last_stream = stream
         new = sorted(n for n in os.listdir(kept) if n not in before and n.endswith("-card1.ras"))
         return read_raster(os.path.join(kept, new[0])) if new else None
 
@@ -125,13 +148,26 @@ class DriverlessQueueTest(unittest.TestCase):
 
     def test_pdf_prints_at_true_size(self):
         raster = self.print_file(card_pdf(os.path.join(self.server.tmp, "rect.pdf")))
-        if raster is None:
-            self.skipTest("the application took the PDF itself: one complete card printed, no raster to measure")
-        self.assert_card_page(raster)
-        left, top, right, bottom = dark_box(raster[2], raster[4])
-        # 10 mm from the left, 10 mm from the bottom (34 mm from the top), 20 x 10 mm; within 0.2 mm.
-        for got, want in ((left, 10), (top, 34), (right + 1, 30), (bottom + 1, 44)):
-            self.assertAlmostEqual(got / MM, want, delta=0.2)
+        if raster is not None:
+            self.assert_card_page(raster)
+            left, top, right, bottom = dark_box(raster[2], raster[4])
+            # 10 mm from the left, 10 mm from the bottom (34 mm from the top), 20 x 10 mm; within 0.2 mm.
+            for got, want in ((left, 10), (top, 34), (right + 1, 30), (bottom + 1, 44)):
+                self.assertAlmostEqual(got / MM, want, delta=0.2)
+            return
+        # The application took the PDF itself and rendered it through its own
+        # chain: measure the rectangle on the card's colour panel, which is
+        # the card (85.6 x 54 mm) centred on the 1060's larger panel.
+        width, height, rows = colour_panel(self.last_stream)
+        box = dark_box_fast(width, rows)
+        self.assertIsNotNone(box, "nothing printed on the colour panel")
+        left, top, right, bottom = box
+        self.assertAlmostEqual((right + 1 - left) / MM, 20, delta=0.2, msg="the rectangle is not 20 mm wide")
+        self.assertAlmostEqual((bottom + 1 - top) / MM, 10, delta=0.2, msg="the rectangle is not 10 mm high")
+        card_left, card_top = (width - 85.6 * MM) / 2, (height - 54 * MM) / 2
+        # 10 mm from the card's left edge and 34 mm from its top, within 0.3 mm (the panel's centring rounds).
+        self.assertAlmostEqual((left - card_left) / MM, 10, delta=0.3)
+        self.assertAlmostEqual((top - card_top) / MM, 34, delta=0.3)
 
     def test_text_prints_on_the_card(self):
         path = os.path.join(self.server.tmp, "note.txt")
@@ -141,6 +177,13 @@ class DriverlessQueueTest(unittest.TestCase):
         if raster is not None:
             self.assert_card_page(raster)
             self.assertIsNotNone(dark_box(raster[2], raster[4]), "no text on the card")
+        else:
+            width, height, rows = colour_panel(self.last_stream)
+            box = dark_box_fast(width, rows)
+            self.assertIsNotNone(box, "no text on the card")
+            # Two lines of text at the card's own size: more than 3 mm and less than the card high.
+            self.assertGreater((box[3] + 1 - box[1]) / MM, 3)
+            self.assertLess((box[3] + 1 - box[1]) / MM, 54)
 
     def test_picture_prints_on_the_card(self):
         ppm = os.path.join(self.server.tmp, "photo.ppm")
