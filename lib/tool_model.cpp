@@ -89,12 +89,12 @@ int Tool_SetPresetName(const std::string& serial, const TSettingsKey& key, const
   return Settings_SetValue(settings, key, name, error) ? 0 : 1;
 }
 
-// 'Tool_SavePrinterSettings()' - The directories (mode 0755, as the filter
-// makes them, so that the filter trusts what is put in them), the file, the
+// 'Tool_SavePrinterSettings()' - The directories (mode 0755, owner-writable
+// only, so that the filter trusts what is put in them), the file, the
 // report.
 bool Tool_SavePrinterSettings(const TBrellianSettings& settings, const TSettingsKey& key, std::string* error) {
-  mkdir(BRELLIAN_CONF_DIR, FILE_DIRECTORY_MODE);
-  mkdir(BRELLIAN_SETTINGS_DIR, FILE_DIRECTORY_MODE);
+  mkdir(BRELLIAN_CONF_DIR, TOOL_DIRECTORY_MODE);
+  mkdir(BRELLIAN_SETTINGS_DIR, TOOL_DIRECTORY_MODE);
   if (!Tool_SaveSettingsFile(settings.FilePath(), settings, error)) return false;
   printf("set %s = %s in %s\n", Settings_KeyName(key).c_str(), Settings_GetValue(settings, key).c_str(),
          settings.FilePath().c_str());

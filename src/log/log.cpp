@@ -84,7 +84,7 @@ const char* Log_Stamp() {
 }
 
 // 'Log_AppendInDirectory()' - Append one line to dir/<file>, creating
-// parent (when given) and dir, mode FILE_DIRECTORY_MODE (0755), when they
+// parent (when given) and dir, mode FILE_DIRECTORY_MODE (0777), when they
 // are missing.  The directories usually exist, so the file is opened first
 // and they are made only when the open finds them missing: the outcome is
 // that of making them before every line, without a failing call on every

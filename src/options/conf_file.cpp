@@ -3,6 +3,8 @@
 // Copyright 2026 The rastertobrellian authors.
 #include "options/conf_file.h"
 
+#include <sys/stat.h>
+
 #include <cerrno>
 
 #include "driver/warning.h"
@@ -15,8 +17,12 @@ namespace {
 // 'Conf_WarnDirectory()' - The spooler's WARNING line for a file refused
 // because of a directory on its way: which file, which directory, what is
 // wrong with it and the command that puts it right.  Nothing for a refusal
-// that concerns the file itself.
+// that concerns the file itself, nor when no file is there at all: the
+// filter makes its directories 0777 itself, and a file that is missing is
+// no loss to report.
 void Conf_WarnDirectory(const char* path, const TDirectoryRefusal& directory) {
+  struct stat st;
+  if (directory.problem == DIR_PROBLEM_NONE || lstat(path, &st) != 0) return;
   const char* dir = directory.path.c_str();
   switch (directory.problem) {
     case DIR_PROBLEM_WRITABLE:

@@ -16,8 +16,8 @@
 namespace {
 
 // 'Store_MakeDirs()' - Create the configuration and settings directories
-// (mode FILE_DIRECTORY_MODE, 0755, so that the filter trusts what is later
-// put in them; errors ignored).  An existing directory keeps its mode.
+// (mode FILE_DIRECTORY_MODE, 0777; errors ignored).  An existing directory
+// keeps its mode.
 void Store_MakeDirs() {
   mkdir(BRELLIAN_CONF_DIR, FILE_DIRECTORY_MODE);
   mkdir(BRELLIAN_SETTINGS_DIR, FILE_DIRECTORY_MODE);

@@ -8,11 +8,16 @@
 #include <string>
 
 // Mode of every directory the filter creates (settings and log
-// directories): writable by its owner only.  The filter runs with umask 0,
-// so this is the mode the directory gets; 0777 would make it a directory
-// any user can plant files in, which the trust rule of the configuration
-// tree then refuses to read from.
-constexpr unsigned FILE_DIRECTORY_MODE = 0755;
+// directories): 0777, which under the filter's umask 0 is the mode the
+// directory gets.  Such a directory is one any user can plant files in, so
+// the trust rule of the configuration tree refuses what lies under it and
+// says so with a WARNING naming the directory and the fix; the package and
+// the preset tools make the tree with TOOL_DIRECTORY_MODE instead.
+constexpr unsigned FILE_DIRECTORY_MODE = 0777;
+
+// Mode of the directories the package and the preset tools create:
+// writable by their owner only, so that the filter trusts what is in them.
+constexpr unsigned TOOL_DIRECTORY_MODE = 0755;
 
 // 'File_OpenRegular()' - open(2) path with O_NOFOLLOW, O_NONBLOCK and
 // O_CLOEXEC added to flags, then check that it is a regular file.  Returns

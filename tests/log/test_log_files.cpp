@@ -135,9 +135,8 @@ TEST(LogFile, MaskZeroWritesNothingAnywhere) {
   Test_RemoveTree(BRELLIAN_SPOOL_TMP_DIR);
 }
 
-// Directories get 0755 (owner-writable only), not the 0777 that umask 0
-// would allow; the log file itself keeps 0666.
-TEST(LogFile, DirectoriesMadeUnderUmaskZeroGetMode0755) {
+// Directories made under umask 0 get 0777 exactly; the log file 0666.
+TEST(LogFile, DirectoriesMadeUnderUmaskZeroGetMode0777) {
   THomeGuard homeGuard;
   std::string home = std::string(BRELLIAN_CONF_DIR) + "/../../home-modes";
   Test_RemoveTree(home);
@@ -151,9 +150,9 @@ TEST(LogFile, DirectoriesMadeUnderUmaskZeroGetMode0755) {
   Log_Write(LOG_LOG, "modes");
   Log_SetOutputMask(0);
   umask(saved);
-  EXPECT_EQ(0755, ModeOf(home + "/Brellian"));
-  EXPECT_EQ(0755, ModeOf(home + "/Brellian/Logs"));
-  EXPECT_EQ(0755, ModeOf(BRELLIAN_LOG_DIR));
+  EXPECT_EQ(0777, ModeOf(home + "/Brellian"));
+  EXPECT_EQ(0777, ModeOf(home + "/Brellian/Logs"));
+  EXPECT_EQ(0777, ModeOf(BRELLIAN_LOG_DIR));
   EXPECT_EQ(0666, ModeOf(home + "/Brellian/Logs/unit-modes.log"));
   EXPECT_EQ(0666, ModeOf(std::string(BRELLIAN_LOG_DIR) + "/unit-modes.log"));
   unlink((std::string(BRELLIAN_LOG_DIR) + "/unit-modes.log").c_str());
@@ -238,8 +237,8 @@ TEST(LogFile, HomeDirectoriesRemovedBetweenLinesAreMadeAgain) {
   Log_Write(LOG_LOG, "second");
   umask(old);
   Log_SetOutputMask(0);
-  EXPECT_EQ(0755, ModeOf(home + "/Brellian"));
-  EXPECT_EQ(0755, ModeOf(logs));
+  EXPECT_EQ(0777, ModeOf(home + "/Brellian"));
+  EXPECT_EQ(0777, ModeOf(logs));
   std::string text = Test_ReadFile(file);
   EXPECT_NE(std::string::npos, text.find("  second\n")) << text;
   EXPECT_EQ(std::string::npos, text.find("first")) << text;

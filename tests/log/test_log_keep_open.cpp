@@ -159,7 +159,7 @@ TEST_F(LogKeepOpenTest, RemovedDirectoryAndFileAreMadeAgainWithTheirModes) {
   Test_RemoveTree(BRELLIAN_LOG_DIR);
   Line("second");
   umask(saved);
-  EXPECT_EQ(0755, ModeOf(BRELLIAN_LOG_DIR));
+  EXPECT_EQ(0777, ModeOf(BRELLIAN_LOG_DIR));
   EXPECT_EQ(0666, ModeOf(Path()));
   EXPECT_EQ(" second|", Messages(Path()));
 }

@@ -1,7 +1,8 @@
 // Process test: the filter creates the configuration and settings
 // directories, when it looks for the settings file and they are missing,
-// with mode 0755 (owner-writable only, although its umask is 0), so that a
-// settings file installed in them later is trusted and read.
+// with mode 0777 exactly (its umask is 0).  A settings file saved later
+// into such a tree is refused by the trust rule, and the job says which
+// directory to put right and how.
 // Copyright 2026 The rastertobrellian authors.
 #include <gtest/gtest.h>
 
@@ -36,21 +37,20 @@ std::string Dirs_Run() {
 
 }  // namespace
 
-TEST(SettingsDirectories, FilterCreatesThemWithMode0755) {
+TEST(SettingsDirectories, FilterCreatesThemWithMode0777) {
   Test_RemoveTree(Test_ConfDir());
   ASSERT_EQ(-1, Mode(Test_ConfDir()));
   std::string err = Dirs_Run();
-  EXPECT_EQ(0755, Mode(Test_ConfDir()));
-  EXPECT_EQ(0755, Mode(Test_ConfDir() + "/settings"));
-  // Only the mode differs from the design: the job's lines are the same.
+  EXPECT_EQ(0777, Mode(Test_ConfDir()));
+  EXPECT_EQ(0777, Mode(Test_ConfDir() + "/settings"));
   EXPECT_EQ("ERROR: No pages found!\n", err);
   Test_RemoveTree(Test_ConfDir());
 }
 
-// A tree the filter made (as root, say, in a manual test) no longer hides
-// what the administrator installs in it later: the settings file saved
-// into it is read by the next job.  With 0777 directories it was refused.
-TEST(SettingsDirectories, SettingsSavedInATreeTheFilterMadeAreRead) {
+// A tree the filter made (as root, say, in a manual test) hides what the
+// administrator saves in it later, and every job says so with the fix;
+// once the directories are put right the file is read.
+TEST(SettingsDirectories, SettingsSavedInATreeTheFilterMadeAreRefusedWithTheFix) {
   Test_RemoveTree(Test_ConfDir());
   Dirs_Run();
   Status_BuildTables();
@@ -59,17 +59,29 @@ TEST(SettingsDirectories, SettingsSavedInATreeTheFilterMadeAreRead) {
   Str_ToLower(settings.modelName);
   settings.serialNumber = "abc";
   ASSERT_TRUE(settings.Save());
-  EXPECT_EQ(0755, Mode(Test_ConfDir() + "/settings"));   // Save keeps the existing mode
+  EXPECT_EQ(0777, Mode(Test_ConfDir() + "/settings"));   // Save keeps the existing mode
   Test_ResetLog();
   Test_SetLogLevelWord("log");
   std::string err = Dirs_Run();
-  EXPECT_EQ("ERROR: No pages found!\n", err);
-  bool refused = false, readIt = false;
-  for (const std::string& line : Test_LogMessages()) {
+  const std::string dir = Test_ConfDir() + "/settings";
+  EXPECT_NE(std::string::npos, err.find("WARNING: ")) << err;
+  EXPECT_NE(std::string::npos, err.find("is writable by other users")) << err;
+  EXPECT_NE(std::string::npos, err.find("chmod 755 ")) << err;
+  EXPECT_NE(std::string::npos, err.find("ERROR: No pages found!\n")) << err;
+  bool refused = false;
+  for (const std::string& line : Test_LogMessages())
     refused |= line.find("failed to open settings file") != std::string::npos;
-    readIt |= line.find("serialNumber::[ABC]") != std::string::npos;
-  }
-  EXPECT_TRUE(readIt);
+  EXPECT_TRUE(refused);
+
+  ASSERT_EQ(0, chmod(Test_ConfDir().c_str(), 0755));
+  ASSERT_EQ(0, chmod(dir.c_str(), 0755));
+  Test_ResetLog();
+  Test_SetLogLevelWord("log");
+  err = Dirs_Run();
+  EXPECT_EQ("ERROR: No pages found!\n", err);
+  refused = false;
+  for (const std::string& line : Test_LogMessages())
+    refused |= line.find("failed to open settings file") != std::string::npos;
   EXPECT_FALSE(refused);
   Test_ResetLog();
   Test_RemoveTree(Test_ConfDir());
