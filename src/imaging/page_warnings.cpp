@@ -12,6 +12,7 @@
 #include "driver/printing_task.h"
 #include "driver/warning.h"
 #include "imaging/panel.h"
+#include "status/models.h"
 #include "util/raster_field.h"
 
 namespace {
@@ -126,13 +127,17 @@ void Warn_UVFileTooLong(const TPrintingTask* task, const char* path, unsigned lo
   const int32_t s = Warn_Side(task);
   TPanelGeometry g = Panel_Geometry(task);
   unsigned long long need = static_cast<unsigned long long>(g.width) * g.height;
-  std::string other;
-  for (uint32_t model : {1030u, 1060u}) {
-    TPanelGeometry m = Panel_ModelGeometry(model);
-    if (static_cast<unsigned long long>(m.width) * m.height == bytes)
-      other = " (the size of a " + std::to_string(m.width) + " x " + std::to_string(m.height) + " panel, model " +
-              std::to_string(model) + (model == 1030 ? " or 1035" : "") + ")";
+  // Every model of the table whose panel has exactly that many dots, in
+  // table order ("model A or B").
+  std::string models, size;
+  int32_t count = 0;
+  const TModelInfo* all = Model_All(&count);
+  for (int32_t i = 0; i < count; ++i) {
+    if (static_cast<unsigned long long>(all[i].panelWidth) * all[i].panelHeight != bytes) continue;
+    models += (models.empty() ? "" : " or ") + std::to_string(all[i].id);
+    size = std::to_string(all[i].panelWidth) + " x " + std::to_string(all[i].panelHeight);
   }
+  std::string other = models.empty() ? "" : " (the size of a " + size + " panel, model " + models + ")";
   Warn_Write("%s UV panel is not the UV image that was made: %sUV=Preset%d names UV file %s of %llu bytes%s, "
              "more than the %u x %u = %llu of model %d's panel, and only its first %llu bytes are printed; "
              "make the UV image again for this model with brellian-uvimage", kSideNames[s], kSideWords[s],
