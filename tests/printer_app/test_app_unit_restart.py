@@ -53,10 +53,21 @@ class UnitServer:
         os.makedirs(tmp)
         os.chmod(tmp, 0o1777)
         app = os.path.join(BUILD, "app", "brellian-printer-app")
-        script = ("mount --bind %s /var/lib && mount --bind %s /var/spool && mount --bind %s /run && "
-                  "mount --bind %s /tmp && exec %s server %s" % (
+        # A build tree that lies below /tmp would vanish under the new /tmp:
+        # its top folder is held at a path of the private /run and put back
+        # at its own path inside the new /tmp.
+        keep = ""
+        real = os.path.realpath(BUILD)
+        if real.startswith("/tmp/"):
+            top = "/tmp/" + real.split("/")[2]
+            keep = "mkdir -p /run/.build && mount --bind %s /run/.build && " % shlex.quote(top)
+            back = " && mkdir -p %s && mount --bind /run/.build %s" % (shlex.quote(top), shlex.quote(top))
+        else:
+            back = ""
+        script = ("mount --bind %s /var/lib && mount --bind %s /var/spool && mount --bind %s /run && %s"
+                  "mount --bind %s /tmp%s && exec %s server %s" % (
                       shlex.quote(os.path.join(self.root, "var-lib")), shlex.quote(os.path.join(self.root, "var-spool")),
-                      shlex.quote(os.path.join(self.root, "run")), shlex.quote(tmp), shlex.quote(app),
+                      shlex.quote(os.path.join(self.root, "run")), keep, shlex.quote(tmp), back, shlex.quote(app),
                       " ".join(shlex.quote(a) for a in unit_server_args(self.port))))
         self.proc = subprocess.Popen(["unshare", "--mount", "--propagation", "private", "sh", "-c", script],
                                      env=self.env, stdout=subprocess.DEVNULL, stderr=self.errfile)

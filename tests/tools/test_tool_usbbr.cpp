@@ -221,9 +221,10 @@ TEST(UsbbrBackend, HelpDescribesTheBackend) {
 TEST(UsbbrBackend, SigtermWhileListingStopsTheUsbBackendToo) {
   std::string dir = WorkDir("discover-cancel");
   TUsbStandIn lower = Usb_MakeStandIn(dir, {USB_LINE_1060});
-  // A usb backend that hangs while listing, says so, and notes a SIGTERM.
+  // A usb backend that hangs while listing, says so, and notes a SIGTERM
+  // (its sleep holds no pipe of the test open after it is gone).
   Test_WriteFile(lower.program, "#!/bin/sh\ntrap 'echo killed > " + dir +
-                                    "/killed; exit 143' TERM\necho listing >&2\nsleep 60 &\nwait\n");
+                                    "/killed; exit 143' TERM\necho listing >&2\nsleep 60 >/dev/null 2>&1 &\nwait\n");
   TProcessOptions options;
   options.sigtermOnErr = "listing";
   TProcessResult r = RunUsbbr(lower, {}, "", options);
