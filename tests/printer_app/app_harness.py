@@ -365,29 +365,7 @@ def http_complete(data):
 
 def http_request(server, method, path, body=b"", headers=None, source=None):
     """One HTTP request over a plain socket (optionally from a given loopback source address); (status, text)."""
-    headers = dict(headers or {})
-    headers.setdefault("Host", "localhost:%d" % server.port)
-    headers["Content-Length"] = str(len(body))
-    headers["Connection"] = "close"
-    req = "%s %s HTTP/1.1\r\n" % (method, path) + "".join("%s: %s\r\n" % kv for kv in headers.items()) + "\r\n"
-    s = socket.socket()
-    s.settimeout(60)
-    if source:
-        s.bind((source, 0))
-    s.connect(("127.0.0.1", server.port))
-    s.sendall(req.encode() + body)
-    data = b""
-    while True:
-        chunk = s.recv(65536)
-        if chunk:
-            data += chunk
-        if http_complete(data) or not chunk:
-            break
-    s.close()
-    head, _, rest = data.partition(b"\r\n\r\n")
-    status = int(head.split(b" ")[1])
-    if b"transfer-encoding: chunked" in head.lower():
-        rest = dechunk(rest) or b""
+    status, rest = http_request_bytes(server, method, path, body, headers, source)
     return status, rest.decode("utf-8", "replace")
 
 
