@@ -242,6 +242,17 @@ def ipp_print(server, printer, document, fmt, job_name, attrs=(), cancel_after=N
     return attrs_out
 
 
+def job_log_lines(server, job_ids, most=80):
+    """The server log's lines about the given jobs (the last `most` of them), to explain a failed job."""
+    marks = tuple("[Job %s]" % j for j in job_ids)
+    try:
+        with open(server.log, errors="replace") as f:
+            lines = [line.rstrip() for line in f if line.startswith(("E ", "W ", "I ")) and any(m in line for m in marks)]
+    except OSError as e:
+        return "no server log: %s" % e
+    return "server log of jobs %s:\n%s" % (", ".join(job_ids), "\n".join(lines[-most:]))
+
+
 def run_ipptool_test(server, printer, test, document=None, fmt=None):
     """One of CUPS' own ipptool tests against a printer; the completed process."""
     args = ["ipptool", "-t"]

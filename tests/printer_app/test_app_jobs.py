@@ -257,7 +257,8 @@ class AppJobsTest(unittest.TestCase):
         with concurrent.futures.ThreadPoolExecutor(max_workers=20) as pool:
             jobs = list(pool.map(submit, range(20)))
         states = sorted(set((j["job-state"], j["job-state-message"]) for j in jobs))
-        self.assertEqual(states, [("completed", "1 card printed.")])
+        failed = [str(j.get("job-id")) for j in jobs if j["job-state"] != "completed"]
+        self.assertEqual(states, [("completed", "1 card printed.")], h.job_log_lines(self.server, failed))
         for i in range(20):
             self.assertGreater(os.path.getsize(os.path.join(self.out["card30"], "crowd%02d.brj" % i)), 1000)
 
