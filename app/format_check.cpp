@@ -26,15 +26,33 @@ namespace {
 
 const char* const OCTET_STREAM = "application/octet-stream";
 
+// 'Format_Name()' - A format's name in plain words, else its type.
+std::string Format_Name(const char* format) {
+  static const char* const names[][2] = {{"application/pdf", "PDF"},      {"image/pwg-raster", "PWG raster"},
+                                         {"image/urf", "Apple raster"},   {"image/jpeg", "JPEG"},
+                                         {"image/png", "PNG"},            {"application/vnd.brellian-job", "card job streams"}};
+  for (const auto& n : names)
+    if (!strcmp(format, n[0])) return n[1];
+  return format;
+}
+
 // 'Format_Listed()' - The formats the printer prints, for the message.
 std::string Format_Listed(ipp_attribute_t* supported) {
   std::string out;
   for (int i = 0; i < ippGetCount(supported); ++i) {
     const char* f = ippGetString(supported, i, nullptr);
     if (!f || !strcmp(f, OCTET_STREAM)) continue;
-    out += (out.empty() ? "" : ", ") + std::string(f);
+    out += (out.empty() ? "" : ", ") + Format_Name(f);
   }
   return out;
+}
+
+// 'Format_Message()' - The refusal, cut to the 255 bytes of an IPP
+// status-message.
+std::string Format_Message(const std::string& what, ipp_attribute_t* supported) {
+  std::string text = what + " This printer prints " + Format_Listed(supported) +
+                     "; print other documents through a CUPS queue, which converts them.";
+  return text.size() > 255 ? text.substr(0, 255) : text;
 }
 
 }  // namespace
@@ -44,14 +62,12 @@ std::string Format_Refusal(ipp_attribute_t* supported, ipp_op_t op, const char* 
   if (!supported) return "";
   if (!sent) sent = OCTET_STREAM;
   bool withData = op == IPP_OP_PRINT_JOB || op == IPP_OP_SEND_DOCUMENT;
-  const std::string advice = " This printer prints " + Format_Listed(supported) +
-                             "; print other documents through a CUPS queue, which converts them.";
   if (withData && !strcmp(sent, OCTET_STREAM) && !detected)
-    return "The document's format was not recognised from its first bytes, so it cannot be printed." + advice;
+    return Format_Message("The document's format was not recognised, so it cannot be printed.", supported);
   const char* format = withData && detected ? detected : sent;
   if (!strcmp(format, OCTET_STREAM)) return "";
   if (ippContainsString(supported, format)) return "";
-  return std::string("Documents of the format ") + format + " cannot be printed." + advice;
+  return Format_Message(std::string("Documents of the format ") + format + " cannot be printed.", supported);
 }
 
 #ifdef BRELLIAN_PAPPL_1_3

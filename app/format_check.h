@@ -11,8 +11,8 @@
 // among them means only "sniff the data"), the operation, the
 // document-format the client sent (nullptr when none) and the format
 // PAPPL found in the data (nullptr when it found none or read no data).
-// Returns "" when it may, else the message of the refusal, which names
-// the format and what to send instead.
+// Returns "" when it may, else the message of the refusal (at most 255
+// bytes), which names the format and what to send instead.
 std::string Format_Refusal(ipp_attribute_t* supported, ipp_op_t op, const char* sent, const char* detected);
 
 // 'Format_Active()' - Whether unprintable documents are refused at

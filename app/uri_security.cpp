@@ -33,16 +33,27 @@ void UriSec_Agree(ipp_t* ipp, ipp_attribute_t* after, const bool* tls, int count
     if (name && !strcmp(name, "uri-security-supported")) security.push_back(a);
     if (name && !strcmp(name, "uri-authentication-supported")) authentication.push_back(a);
   }
-  if (count < 1) return;
-  // The values are string constants, so that PAPPL's constant attributes
-  // may keep pointers to them.
+  if (count < 1 || count > 2) return;
+  // Each attribute is replaced by a new one at the end of the message,
+  // which is the end of the same printer's group: libcups 2.4.2 cannot
+  // delete the last values of an attribute (ippDeleteValues() refuses).
+  // The values are string constants, as in PAPPL's constant attributes.
   for (ipp_attribute_t* a : security) {
-    for (int i = 0; i < count; ++i) ippSetString(ipp, &a, i, tls[i] ? "tls" : "none");
-    if (ippGetCount(a) > count) ippDeleteValues(ipp, &a, count, ippGetCount(a) - count);
+    const char* values[2];
+    for (int i = 0; i < count; ++i) values[i] = tls[i] ? "tls" : "none";
+    ippDeleteAttribute(ipp, a);
+    ippAddStrings(ipp, IPP_TAG_PRINTER, IPP_CONST_TAG(IPP_TAG_KEYWORD), "uri-security-supported", count, nullptr,
+                  values);
   }
   for (ipp_attribute_t* a : authentication) {
-    for (int i = ippGetCount(a); i < count; ++i) ippSetString(ipp, &a, i, "none");
-    if (ippGetCount(a) > count) ippDeleteValues(ipp, &a, count, ippGetCount(a) - count);
+    const char* values[2];
+    for (int i = 0; i < count; ++i) {
+      const char* old = i < ippGetCount(a) ? ippGetString(a, i, nullptr) : nullptr;
+      values[i] = old && !strcmp(old, "basic") ? "basic" : "none";
+    }
+    ippDeleteAttribute(ipp, a);
+    ippAddStrings(ipp, IPP_TAG_PRINTER, IPP_CONST_TAG(IPP_TAG_KEYWORD), "uri-authentication-supported", count,
+                  nullptr, values);
   }
 }
 

@@ -10,7 +10,9 @@
 // value, with the URI schemes a client is given: ipps (TLS) for each true
 // in `tls`, ipp for each false, in that order.  uri-security-supported
 // becomes "tls" or "none" per URI; uri-authentication-supported keeps its
-// first values, cut to the count ("none" added for a missing one).
+// first values ("basic" or "none"), cut to the count ("none" added for a
+// missing one).  Both move to the end of ipp, so the attributes after
+// `after` must be the last group.  count is 1 or 2.
 void UriSec_Agree(ipp_t* ipp, ipp_attribute_t* after, const bool* tls, int count);
 
 // 'UriSec_Active()' - Whether the attributes are made to agree (built

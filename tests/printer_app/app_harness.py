@@ -40,8 +40,9 @@ def free_port():
 class AppServer:
     """One brellian-printer-app server in a temporary directory, with file: devices."""
 
-    def __init__(self, build, filter_path=None):
+    def __init__(self, build, filter_path=None, tls=False):
         self.build = build
+        self.tls = tls  # TLS on, as the shipped unit runs the server
         self.app = os.path.join(build, "app", "brellian-printer-app")
         self.filter = os.path.join(build, "rastertobrellian")
         self.tmp = tempfile.mkdtemp(prefix="brellian-app-")
@@ -64,7 +65,7 @@ class AppServer:
         """Start the server and wait until it answers."""
         args = [self.app, "server", "-o", "server-port=%d" % self.port, "-o", "listen-hostname=localhost",
                 "-o", "spool-directory=" + os.path.join(self.tmp, "spool"), "-o", "log-file=" + self.log,
-                "-o", "log-level=debug", "-o", "server-options=no-tls"]
+                "-o", "log-level=debug"] + ([] if self.tls else ["-o", "server-options=no-tls"])
         os.makedirs(os.path.join(self.tmp, "spool"), exist_ok=True)
         self.errfile = open(os.path.join(self.tmp, "server.stderr"), "ab")
         self.proc = subprocess.Popen(args, env=self.env, stdout=subprocess.DEVNULL, stderr=self.errfile)
