@@ -11,7 +11,8 @@
 // calling PAPPL's own first:
 // - _papplPrinterCopyStateNoLock(), which adds printer-state-message to
 //   Get-Printer-Attributes, Get-Printers and the event notifications: the
-//   message becomes the recorded reason;
+//   message becomes the recorded reason, and printer-state-reasons gains
+//   "offline-report" beside PAPPL's "paused";
 // - _papplPrinterWebIteratorCallback(), the status block of the printer's
 //   web page (and of each printer on the home page): the reason is shown
 //   under it.
@@ -96,9 +97,16 @@ extern "C" void _papplPrinterCopyStateNoLock(pappl_printer_t* printer, ipp_tag_t
   for (ipp_attribute_t* a = ippFindAttribute(ipp, "printer-state-message", IPP_TAG_TEXT); a;
        a = ippFindNextAttribute(ipp, "printer-state-message", IPP_TAG_TEXT))
     last = a;
-  if (!last) return;
-  ippDeleteAttribute(ipp, last);
-  ippAddString(ipp, group, IPP_TAG_TEXT, "printer-state-message", nullptr, message.c_str());
+  if (last) {
+    ippDeleteAttribute(ipp, last);
+    ippAddString(ipp, group, IPP_TAG_TEXT, "printer-state-message", nullptr, message.c_str());
+  }
+  ipp_attribute_t* reasons = nullptr;
+  for (ipp_attribute_t* a = ippFindAttribute(ipp, "printer-state-reasons", IPP_TAG_KEYWORD); a;
+       a = ippFindNextAttribute(ipp, "printer-state-reasons", IPP_TAG_KEYWORD))
+    reasons = a;
+  if (reasons && !ippContainsString(reasons, "offline-report"))  // a string constant, as PAPPL's values are
+    ippSetString(ipp, &reasons, ippGetCount(reasons), "offline-report");
 }
 
 // '_papplPrinterWebIteratorCallback()' - PAPPL's status block of a

@@ -6,6 +6,13 @@
 
 // How long one attempt to connect to a network printer may take.
 constexpr int SOCKDEV_CONNECT_SECONDS = 10;
+// How long the device open (under PAPPL's printer lock) waits for it.
+constexpr int SOCKDEV_OPEN_WAIT_MS = 1500;
+// How long a connection made after its open gave up is kept for the next open.
+constexpr int SOCKDEV_KEEP_SECONDS = 30;
+
+// What SockDev_Take() found.
+enum class TConnectOutcome { CONNECTED, FAILED, PENDING };
 
 // 'SockDev_Register()' - Register the "socket" scheme of the application.
 // Must be called before PAPPL's own network schemes are added (see
@@ -17,3 +24,11 @@ void SockDev_Register();
 // plain words what went wrong ("Cannot connect to 192.0.2.20:9100:
 // Connection refused.").  The caller closes the socket.
 int SockDev_Connect(const std::string& host, int port, int timeoutSeconds, std::string* message);
+
+// 'SockDev_Take()' - The background connection to host:port for the
+// device uri: starts it when none runs, waits for it at most
+// SOCKDEV_OPEN_WAIT_MS, then CONNECTED with the socket in *fd (the
+// caller's to close), FAILED with the cause in *message, or PENDING
+// (still trying; *message says so) when it has not ended yet.
+TConnectOutcome SockDev_Take(const std::string& uri, const std::string& host, int port, int* fd,
+                             std::string* message);

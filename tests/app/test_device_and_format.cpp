@@ -47,6 +47,23 @@ TEST(AppSocketDevice, ARefusedConnectionIsNamedAsSuchAndAListenerIsReached) {
   EXPECT_NE(message.find("switched on"), std::string::npos) << "it says what to do: " << message;
 }
 
+TEST(AppSocketDevice, TheOpenTakesTheBackgroundConnectionsOutcome) {
+  int port = 0;
+  int listener = Test_ListeningPort(&port);
+  ASSERT_GE(listener, 0);
+  const std::string uri = "socket://127.0.0.1:" + std::to_string(port);
+  int fd = -1;
+  std::string message;
+  EXPECT_EQ(SockDev_Take(uri, "127.0.0.1", port, &fd, &message), TConnectOutcome::CONNECTED) << message;
+  EXPECT_GE(fd, 0);
+  if (fd >= 0) close(fd);
+  close(listener);
+  fd = -1;
+  EXPECT_EQ(SockDev_Take(uri, "127.0.0.1", port, &fd, &message), TConnectOutcome::FAILED);
+  EXPECT_LT(fd, 0);
+  EXPECT_NE(message.find("Connection refused"), std::string::npos) << message;
+}
+
 TEST(AppDeviceState, AFailureCountsUntilTheDeviceOpens) {
   const char* uri = "socket://192.0.2.20:9100";
   EXPECT_EQ(DevState_Message(uri), "");

@@ -25,7 +25,8 @@ def jpeg_picture(path):
 def printer_state(server, printer):
     """printer-state and printer-state-message from Get-Printer-Attributes."""
     return h.ipp_simple(server, printer, "Get-Printer-Attributes",
-                        ["ATTR keyword requested-attributes printer-state,printer-state-message"])
+                        ["ATTR keyword requested-attributes printer-state,printer-state-message,"
+                         "printer-state-reasons"])
 
 
 def poll(what, check, seconds):
@@ -103,6 +104,7 @@ class UnreachableDeviceTest(unittest.TestCase):
                      lambda s: expected in s.get("printer-state-message", ""), 20)
         self.assertIn(expected, state.get("printer-state-message", ""), state)
         self.assertEqual(state.get("printer-state"), "stopped")
+        self.assertIn("offline-report", state.get("printer-state-reasons", ""), state)
         # Still said after PAPPL's next attempts (it retries every 5 seconds).
         time.sleep(6)
         state = printer_state(self.server, "net")
@@ -123,6 +125,7 @@ class UnreachableDeviceTest(unittest.TestCase):
         self.assertEqual(h.record_types(self.sink.data)[0], h.ICMD_STARTJOB, "the printer got the job's stream")
         state = printer_state(self.server, "net")
         self.assertNotIn("Cannot connect", state.get("printer-state-message", ""), state)
+        self.assertNotIn("offline-report", state.get("printer-state-reasons", ""), state)
         self.assertNotIn("Cannot connect", h.http_request(self.server, "GET", "/net/")[1])
 
 
