@@ -105,8 +105,10 @@ class UnreachableDeviceTest(unittest.TestCase):
         self.assertIn(expected, state.get("printer-state-message", ""), state)
         self.assertEqual(state.get("printer-state"), "stopped")
         self.assertIn("offline-report", state.get("printer-state-reasons", ""), state)
-        # Still said after PAPPL's next attempts (it retries every 5 seconds).
-        time.sleep(6)
+        # Still said after PAPPL's next attempt (it retries every 5 seconds and logs it).
+        retried = poll(lambda: open(self.server.log, errors="replace").read(),
+                       lambda log: "Still unable to open device." in log, 15)
+        self.assertIn("Still unable to open device.", retried)
         state = printer_state(self.server, "net")
         self.assertIn(expected, state.get("printer-state-message", ""), state)
         job = h.ipp_simple(self.server, "net", "Get-Job-Attributes", ["ATTR integer job-id %s" % job_id])
