@@ -28,9 +28,12 @@ const char* const OCTET_STREAM = "application/octet-stream";
 
 // 'Format_Name()' - A format's name in plain words, else its type.
 std::string Format_Name(const char* format) {
-  static const char* const names[][2] = {{"application/pdf", "PDF"},      {"image/pwg-raster", "PWG raster"},
-                                         {"image/urf", "Apple raster"},   {"image/jpeg", "JPEG"},
-                                         {"image/png", "PNG"},            {"application/vnd.brellian-job", "card job streams"}};
+  static const char* const names[][2] = {{"application/pdf", "PDF"},
+                                         {"image/pwg-raster", "PWG raster"},
+                                         {"image/urf", "Apple raster"},
+                                         {"image/jpeg", "JPEG"},
+                                         {"image/png", "PNG"},
+                                         {"application/vnd.brellian-job", "card job streams"}};
   for (const auto& n : names)
     if (!strcmp(format, n[0])) return n[1];
   return format;

@@ -1,7 +1,9 @@
-"""brellian-printer-app with a network printer that does not answer: the printer's state message names the cause
-while the job waits, and the job prints and the message clears when the printer answers."""
+"""brellian-printer-app with a device that cannot be opened (a network printer that refuses the connection, a
+file: device in a missing directory): the printer's state message names the cause while the job waits, and the job
+prints and the message clears when the device can be opened."""
 # Copyright 2026 The rastertobrellian authors.
 import os
+import shutil
 import socket
 import subprocess
 import threading
@@ -22,11 +24,20 @@ def jpeg_picture(path):
         subprocess.run(["cjpeg", ppm], stdout=f, check=True)
 
 
+def read_text(path):
+    """A text file's contents."""
+    with open(path, errors="replace") as f:
+        return f.read()
+
+
 def printer_state(server, printer):
-    """printer-state and printer-state-message from Get-Printer-Attributes."""
-    return h.ipp_simple(server, printer, "Get-Printer-Attributes",
-                        ["ATTR keyword requested-attributes printer-state,printer-state-message,"
-                         "printer-state-reasons"])
+    """printer-state, its message (ipptool's escapes of quotes undone) and reasons from Get-Printer-Attributes."""
+    state = h.ipp_simple(server, printer, "Get-Printer-Attributes",
+                         ["ATTR keyword requested-attributes "
+                          "printer-state,printer-state-message,printer-state-reasons"])
+    if "printer-state-message" in state:
+        state["printer-state-message"] = state["printer-state-message"].replace('\\"', '"')
+    return state
 
 
 def poll(what, check, seconds):
@@ -85,7 +96,8 @@ class UnreachableDeviceTest(unittest.TestCase):
             self.sink.listener.close()
         self.server.stop()
 
-    def test_the_state_message_names_the_refusal_until_the_printer_answers(self):
+    def print_picture(self, printer):
+        """Print a JPEG picture (queued at once, unlike streamed raster); the job's id."""
         picture = os.path.join(self.server.tmp, "card.jpg")
         jpeg_picture(picture)
         test = os.path.join(self.server.tmp, "print.test")
@@ -94,10 +106,37 @@ class UnreachableDeviceTest(unittest.TestCase):
                     "ATTR language attributes-natural-language en\nATTR uri printer-uri $uri\n"
                     "ATTR name requesting-user-name tester\nATTR mimeMediaType document-format image/jpeg\n"
                     "FILE $filename\nSTATUS successful-ok\nDISPLAY job-id\n}\n")
-        r = subprocess.run(["ipptool", "-tv", "-f", picture, self.server.uri("net"), test], capture_output=True,
+        r = subprocess.run(["ipptool", "-tv", "-f", picture, self.server.uri(printer), test], capture_output=True,
                            text=True, timeout=60)
         self.assertEqual(r.returncode, 0, r.stdout[-2000:])
-        job_id = r.stdout.split("job-id (integer) = ")[1].split()[0]
+        return r.stdout.split("job-id (integer) = ")[1].split()[0]
+
+    def test_a_file_device_in_a_missing_directory_is_named_until_it_exists(self):
+        missing = os.path.join(self.server.tmp, "missing")
+        os.makedirs(missing)  # PAPPL adds a file: device only when it can write there
+        open(os.path.join(missing, "card.brj"), "wb").close()
+        self.server.system_op(["OPERATION Create-Printer", "GROUP operation-attributes-tag",
+                               "ATTR charset attributes-charset utf-8", "ATTR language attributes-natural-language en",
+                               "ATTR uri system-uri $uri", "ATTR name requesting-user-name tester",
+                               "ATTR keyword printer-service-type print", "ATTR keyword smi55357-driver brellian_1030",
+                               "ATTR uri smi55357-device-uri file://%s/card.brj" % missing,
+                               "GROUP printer-attributes-tag", "ATTR name printer-name local", "STATUS successful-ok"])
+        shutil.rmtree(missing)
+        job_id = self.print_picture("local")
+        expected = "Unable to open \"%s/card.brj\": No such file or directory." % missing
+        state = poll(lambda: printer_state(self.server, "local"),
+                     lambda s: expected in s.get("printer-state-message", ""), 20)
+        self.assertIn(expected, state.get("printer-state-message", ""), state)
+        os.makedirs(missing)
+        job = poll(lambda: h.ipp_simple(self.server, "local", "Get-Job-Attributes",
+                                        ["ATTR integer job-id %s" % job_id]),
+                   lambda j: j.get("job-state") in ("completed", "aborted", "canceled"), 30)
+        self.assertEqual(job.get("job-state"), "completed", job)
+        self.assertTrue(os.path.getsize(os.path.join(missing, "card.brj")) > 0)
+        self.assertNotIn("Unable to open", printer_state(self.server, "local").get("printer-state-message", ""))
+
+    def test_the_state_message_names_the_refusal_until_the_printer_answers(self):
+        job_id = self.print_picture("net")
 
         expected = "Cannot connect to 127.0.0.1:%d: Connection refused." % self.port
         state = poll(lambda: printer_state(self.server, "net"),
@@ -106,8 +145,7 @@ class UnreachableDeviceTest(unittest.TestCase):
         self.assertEqual(state.get("printer-state"), "stopped")
         self.assertIn("offline-report", state.get("printer-state-reasons", ""), state)
         # Still said after PAPPL's next attempt (it retries every 5 seconds and logs it).
-        retried = poll(lambda: open(self.server.log, errors="replace").read(),
-                       lambda log: "Still unable to open device." in log, 15)
+        retried = poll(lambda: read_text(self.server.log), lambda log: "Still unable to open device." in log, 15)
         self.assertIn("Still unable to open device.", retried)
         state = printer_state(self.server, "net")
         self.assertIn(expected, state.get("printer-state-message", ""), state)
