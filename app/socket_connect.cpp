@@ -35,9 +35,14 @@ struct TConnectAttempt {
   time_t doneAt = 0;
 };
 
-std::mutex g_connectLock;
-std::condition_variable g_connectDone;
-std::map<std::string, TConnectAttempt> g_connects;
+// The attempts and their lock.  Never destroyed: a connecting thread may
+// still run while the process exits.
+struct TConnects {
+  std::mutex lock;
+  std::condition_variable done;
+  std::map<std::string, TConnectAttempt> byUri;
+};
+TConnects& g_connects = *new TConnects;
 
 // 'SockDev_HostPort()' - "host:port", with brackets around an IPv6 address.
 std::string SockDev_HostPort(const std::string& host, int port) {
@@ -115,8 +120,8 @@ int SockDev_Connect(const std::string& host, int port, int timeoutSeconds, std::
 // little, and hand over its outcome once it has one.
 TConnectOutcome SockDev_Take(const std::string& uri, const std::string& host, int port, int* fd,
                              std::string* message) {
-  std::unique_lock<std::mutex> lock(g_connectLock);
-  TConnectAttempt& attempt = g_connects[uri];
+  std::unique_lock<std::mutex> lock(g_connects.lock);
+  TConnectAttempt& attempt = g_connects.byUri[uri];
   if (attempt.done && attempt.fd >= 0 && time(nullptr) - attempt.doneAt > SOCKDEV_KEEP_SECONDS) {
     close(attempt.fd);  // too old to trust: the printer may have dropped it
     attempt = TConnectAttempt();
@@ -126,22 +131,22 @@ TConnectOutcome SockDev_Take(const std::string& uri, const std::string& host, in
     std::thread([uri, host, port]() {
       std::string text;
       int connected = SockDev_Connect(host, port, SOCKDEV_CONNECT_SECONDS, &text);
-      std::lock_guard<std::mutex> done(g_connectLock);
-      TConnectAttempt& a = g_connects[uri];
+      std::lock_guard<std::mutex> done(g_connects.lock);
+      TConnectAttempt& a = g_connects.byUri[uri];
       a = TConnectAttempt();
       a.done = true;
       a.fd = connected;
       a.message = text;
       a.doneAt = time(nullptr);
-      g_connectDone.notify_all();
+      g_connects.done.notify_all();
     }).detach();
   }
-  if (!g_connectDone.wait_for(lock, std::chrono::milliseconds(SOCKDEV_OPEN_WAIT_MS), [&] { return attempt.done; })) {
+  if (!g_connects.done.wait_for(lock, std::chrono::milliseconds(SOCKDEV_OPEN_WAIT_MS), [&] { return attempt.done; })) {
     *message = "Connecting to " + SockDev_HostPort(host, port) + ": no answer yet.";
     return TConnectOutcome::PENDING;
   }
   *fd = attempt.fd;
   *message = attempt.message;
-  g_connects.erase(uri);
+  g_connects.byUri.erase(uri);
   return *fd >= 0 ? TConnectOutcome::CONNECTED : TConnectOutcome::FAILED;
 }
