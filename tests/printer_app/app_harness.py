@@ -122,16 +122,19 @@ class AppServer:
             raise RuntimeError("ipptool failed: " + r.stdout[-2000:] + r.stderr[-500:])
         return r.stdout.split("RECEIVED:", 1)[-1]
 
-    def add_printer(self, name, driver):
+    def add_printer(self, name, driver, device_uri=None):
         """Add a printer (IPP Create-Printer) whose device is a directory of .brj files; the directory.
+        With device_uri, that device instead (and None).
         IPP and not the client sub-commands: those reach whichever server owns the machine's local socket."""
-        out = os.path.join(self.tmp, "out-" + name)
-        os.makedirs(out)
+        out = None if device_uri else os.path.join(self.tmp, "out-" + name)
+        if out:
+            os.makedirs(out)
         self.system_op(["OPERATION Create-Printer", "GROUP operation-attributes-tag",
                         "ATTR charset attributes-charset utf-8", "ATTR language attributes-natural-language en",
                         "ATTR uri system-uri $uri", "ATTR name requesting-user-name tester",
                         "ATTR keyword printer-service-type print", "ATTR keyword smi55357-driver " + driver,
-                        "ATTR uri smi55357-device-uri file://%s?ext=brj" % out, "GROUP printer-attributes-tag",
+                        "ATTR uri smi55357-device-uri " + (device_uri or "file://%s?ext=brj" % out),
+                        "GROUP printer-attributes-tag",
                         "ATTR name printer-name " + name, "STATUS successful-ok"])
         return out
 

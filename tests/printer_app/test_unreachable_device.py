@@ -83,12 +83,7 @@ class UnreachableDeviceTest(unittest.TestCase):
         self.server = h.AppServer(BUILD)
         self.server.start()
         self.port = h.free_port()  # nothing listens there: connections are refused
-        self.server.system_op(["OPERATION Create-Printer", "GROUP operation-attributes-tag",
-                               "ATTR charset attributes-charset utf-8", "ATTR language attributes-natural-language en",
-                               "ATTR uri system-uri $uri", "ATTR name requesting-user-name tester",
-                               "ATTR keyword printer-service-type print", "ATTR keyword smi55357-driver brellian_1030",
-                               "ATTR uri smi55357-device-uri socket://127.0.0.1:%d" % self.port,
-                               "GROUP printer-attributes-tag", "ATTR name printer-name net", "STATUS successful-ok"])
+        self.server.add_printer("net", "brellian_1030", "socket://127.0.0.1:%d" % self.port)
         self.sink = None
 
     def tearDown(self):
@@ -115,12 +110,7 @@ class UnreachableDeviceTest(unittest.TestCase):
         missing = os.path.join(self.server.tmp, "missing")
         os.makedirs(missing)  # PAPPL adds a file: device only when it can write there
         open(os.path.join(missing, "card.brj"), "wb").close()
-        self.server.system_op(["OPERATION Create-Printer", "GROUP operation-attributes-tag",
-                               "ATTR charset attributes-charset utf-8", "ATTR language attributes-natural-language en",
-                               "ATTR uri system-uri $uri", "ATTR name requesting-user-name tester",
-                               "ATTR keyword printer-service-type print", "ATTR keyword smi55357-driver brellian_1030",
-                               "ATTR uri smi55357-device-uri file://%s/card.brj" % missing,
-                               "GROUP printer-attributes-tag", "ATTR name printer-name local", "STATUS successful-ok"])
+        self.server.add_printer("local", "brellian_1030", "file://%s/card.brj" % missing)
         shutil.rmtree(missing)
         job_id = self.print_picture("local")
         expected = "Unable to open \"%s/card.brj\": No such file or directory." % missing
