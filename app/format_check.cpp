@@ -21,6 +21,7 @@
 #include <dlfcn.h>
 
 #include <cstring>
+#include <mutex>
 
 namespace {
 
@@ -77,6 +78,28 @@ std::string Format_Refusal(ipp_attribute_t* supported, ipp_op_t op, const char* 
 
 using TValidateDocument = bool (*)(pappl_client_t*);
 
+// 'Format_Supported()' - The printers' document-format-supported, read
+// from the first printer asked and kept: every printer of the application
+// prints the same formats (the driver's format and the registered
+// filters), and a copy of a printer's attributes per request would take
+// the printer's lock again and again while jobs arrive.
+ipp_attribute_t* Format_Supported(pappl_printer_t* printer) {
+  static std::mutex lock;
+  static ipp_t* kept = nullptr;
+  static ipp_attribute_t* supported = nullptr;
+  std::lock_guard<std::mutex> guard(lock);
+  if (!kept) {
+    ipp_t* attrs = papplPrinterGetDriverAttributes(printer);
+    ipp_attribute_t* found = ippFindAttribute(attrs, "document-format-supported", IPP_TAG_MIMETYPE);
+    if (found) {
+      kept = ippNew();
+      supported = ippCopyAttribute(kept, found, 0);
+    }
+    ippDelete(attrs);
+  }
+  return supported;
+}
+
 // '_papplJobValidateDocumentAttributes()' - PAPPL's checks of the
 // document attributes, then the format against the printer's list (see
 // the head of this file).  On a refusal the response carries the status,
@@ -93,10 +116,7 @@ extern "C" bool _papplJobValidateDocumentAttributes(pappl_client_t* client) {
   const char* sent = ippGetString(sentAttr, 0, nullptr);
   const char* detected = ippGetString(ippFindAttribute(request, "document-format-detected", IPP_TAG_MIMETYPE), 0,
                                       nullptr);
-  ipp_t* driverAttrs = papplPrinterGetDriverAttributes(printer);
-  std::string refusal = Format_Refusal(ippFindAttribute(driverAttrs, "document-format-supported", IPP_TAG_MIMETYPE),
-                                       ippGetOperation(request), sent, detected);
-  ippDelete(driverAttrs);
+  std::string refusal = Format_Refusal(Format_Supported(printer), ippGetOperation(request), sent, detected);
   if (refusal.empty()) return true;
   papplLogClient(client, PAPPL_LOGLEVEL_INFO, "Refused: %s", refusal.c_str());
   papplClientRespondIPP(client, IPP_STATUS_ERROR_DOCUMENT_FORMAT_NOT_SUPPORTED, "%s", refusal.c_str());
