@@ -9,17 +9,10 @@
 #   BUILD_DIR  the benchmark build in which bench/run-jobs.sh has made the
 #              jobs and their plans (default build-bench)
 #   JOB        jobs to count (default: the panel-sized ones)
-set -euo pipefail
-cd "$(dirname "$0")/.."
+. "$(dirname "$0")/lib.sh"
 build=build-bench
-while getopts "b:" opt; do
-  case $opt in
-    b) build=$OPTARG ;;
-    *) sed -n '8,12p' "$0"; exit 2 ;;
-  esac
-done
-shift $((OPTIND - 1))
-jobs=("$@")
+bench_options "b=build" "$@"
+jobs=("${bench_args[@]}")
 [ ${#jobs[@]} -gt 0 ] || jobs=(card600 card600z panel600 panel600z panel300 panel300z card300)
 work="$build/bench/jobs"
 options="frontRibbon=ColorK backRibbon=ColorK frontResin=Page backResin=Page frontUV=Page backUV=Page frontPO=Page backPO=Page"

@@ -138,9 +138,7 @@ class AppJobsTest(unittest.TestCase):
     def test_raw_job_stream_copies(self):
         job = self.print_job("card30", self.pwg300, "image/pwg-raster", "forrawcopies30")
         stream = self.device_output("card30", "forrawcopies30")
-        raw = os.path.join(self.server.tmp, "copies.brj")
-        with open(raw, "wb") as f:
-            f.write(stream)
+        raw = h.write_bytes(os.path.join(self.server.tmp, "copies.brj"), stream)
         job = self.print_job("card30", raw, "application/vnd.brellian-job", "rawcopies30", copies=3)
         self.assertEqual(job["job-state"], "completed", job)
         self.assertEqual(self.device_output("card30", "rawcopies30"), stream * 3)
