@@ -69,8 +69,9 @@ def wait_for_port(port, seconds=20):
 class AppServer:
     """One brellian-printer-app server in a temporary directory, with file: devices."""
 
-    def __init__(self, build, filter_path=None):
+    def __init__(self, build, filter_path=None, tls=False):
         self.build = build
+        self.tls = tls  # TLS on, as the shipped unit runs the server
         self.app = os.path.join(build, "app", "brellian-printer-app")
         self.filter = os.path.join(build, "rastertobrellian")
         self.tmp = tempfile.mkdtemp(prefix="brellian-app-")
@@ -93,7 +94,7 @@ class AppServer:
         """Start the server and wait until it answers."""
         args = [self.app, "server", "-o", "server-port=%d" % self.port, "-o", "listen-hostname=localhost",
                 "-o", "spool-directory=" + os.path.join(self.tmp, "spool"), "-o", "log-file=" + self.log,
-                "-o", "log-level=debug", "-o", "server-options=no-tls"]
+                "-o", "log-level=debug"] + ([] if self.tls else ["-o", "server-options=no-tls"])
         os.makedirs(os.path.join(self.tmp, "spool"), exist_ok=True)
         self.errfile = open(os.path.join(self.tmp, "server.stderr"), "ab")
         self.proc = subprocess.Popen(args, env=self.env, stdout=subprocess.DEVNULL, stderr=self.errfile)
@@ -139,16 +140,19 @@ class AppServer:
             raise RuntimeError("ipptool failed: " + r.stdout[-2000:] + r.stderr[-500:])
         return r.stdout.split("RECEIVED:", 1)[-1]
 
-    def add_printer(self, name, driver):
+    def add_printer(self, name, driver, device_uri=None):
         """Add a printer (IPP Create-Printer) whose device is a directory of .brj files; the directory.
+        With device_uri, that device instead (and None).
         IPP and not the client sub-commands: those reach whichever server owns the machine's local socket."""
-        out = os.path.join(self.tmp, "out-" + name)
-        os.makedirs(out)
+        out = None if device_uri else os.path.join(self.tmp, "out-" + name)
+        if out:
+            os.makedirs(out)
         self.system_op(["OPERATION Create-Printer", "GROUP operation-attributes-tag",
                         "ATTR charset attributes-charset utf-8", "ATTR language attributes-natural-language en",
                         "ATTR uri system-uri $uri", "ATTR name requesting-user-name tester",
                         "ATTR keyword printer-service-type print", "ATTR keyword smi55357-driver " + driver,
-                        "ATTR uri smi55357-device-uri file://%s?ext=brj" % out, "GROUP printer-attributes-tag",
+                        "ATTR uri smi55357-device-uri " + (device_uri or "file://%s?ext=brj" % out),
+                        "GROUP printer-attributes-tag",
                         "ATTR name printer-name " + name, "STATUS successful-ok"])
         return out
 
