@@ -15,6 +15,7 @@
 #include "app/format_check.h"
 #include "app/models.h"
 #include "app/pappl_driver.h"
+#include "app/shutdown_wake.h"
 #include "app/socket_device.h"
 #include "app/stream_queue.h"
 #include "app/uri_security.h"
@@ -43,6 +44,7 @@ int main(int argc, char* argv[]) {
   (void)DevState_Active();     // the state message names why the device cannot be opened
   (void)Format_Active();       // unprintable documents are refused at submission
   (void)UriSec_Active();       // the printer URIs and their security values agree
+  (void)Shutdown_Arm();        // a shutdown request ends an idle server at once
   int32_t count = 0;
   const TAppModel* models = App_Models(&count);
   static std::vector<pappl_pr_driver_t> drivers;

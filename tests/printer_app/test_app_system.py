@@ -92,6 +92,20 @@ class AppSystemTest(unittest.TestCase):
         self.assertNotIn("gone", self.server.printers(), "the deleted printer stays deleted after a restart")
         self.assertTrue({"card30", "card35", "card60"} <= set(self.server.printers()))
 
+    def test_a_shutdown_request_ends_an_idle_server_at_once(self):
+        # PAPPL's main loop sleeps up to 30 s between rounds; the request must not wait for the next one.
+        self.server.system_op(["OPERATION Shutdown-All-Printers", "GROUP operation-attributes-tag",
+                               "ATTR charset attributes-charset utf-8", "ATTR language attributes-natural-language en",
+                               "ATTR uri system-uri $uri", "ATTR name requesting-user-name tester",
+                               "STATUS successful-ok"])
+        try:
+            status = self.server.proc.wait(timeout=10)
+        except subprocess.TimeoutExpired:
+            status = None
+        self.server.restart()  # the other tests go on with the same printers
+        self.assertEqual(status, 0, "the server did not end within 10 s of the shutdown request")
+        self.assertTrue({"card30", "card35", "card60"} <= set(self.server.printers()))
+
     def test_ipp_delete_printer_by_the_id_the_printer_reports(self):
         self.server.add_printer("gone2", "brellian_1030")
         out = gpa(self.server, "gone2", "brellian-printer-id")
