@@ -9,6 +9,7 @@
 
 #include "app/app_system.h"
 #include "app/cli_commands.h"
+#include "app/cli_device_check.h"
 #include "app/device_state.h"
 #include "app/dnssd_check.h"
 #include "app/file_device.h"
@@ -36,6 +37,7 @@ int main(int argc, char* argv[]) {
   signal(SIGPIPE, SIG_IGN);  // a filter that ends early must not end the server
   Tool_Init();               // model tables for the presets; the library's trace log silent
   if (argc > 1 && Cli_Handles(argv[1])) return Cli_Run(argc, argv);
+  if (!Cli_CheckFileDevice(argc, argv)) return 1;
   if (argc > 1 && strcmp(argv[1], "devices") == 0 && !DnsSd_Available())
     fprintf(stderr, "brellian-printer-app: %s\n", g_dnssdUnavailableText);
   SockDev_Register();        // before PAPPL registers its own "socket" scheme

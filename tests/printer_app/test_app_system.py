@@ -106,6 +106,14 @@ class AppSystemTest(unittest.TestCase):
         self.assertEqual(status, 0, "the server did not end within 10 s of the shutdown request")
         self.assertTrue({"card30", "card35", "card60"} <= set(self.server.printers()))
 
+    def test_add_names_a_file_device_the_server_cannot_write(self):
+        missing = os.path.join(self.server.tmp, "no-such-dir")
+        r = self.server.cli("add", "-d", "nowhere", "-m", "brellian_1060", "-v", "file://%s?ext=brj" % missing)
+        self.assertEqual(r.returncode, 1, r.stderr)
+        self.assertIn("%s: No such file or directory" % missing, r.stderr)
+        self.assertIn("install -d -m 0750 %s" % missing, r.stderr)
+        self.assertNotIn("nowhere", self.server.printers())
+
     def test_ipp_delete_printer_by_the_id_the_printer_reports(self):
         self.server.add_printer("gone2", "brellian_1030")
         out = gpa(self.server, "gone2", "brellian-printer-id")
