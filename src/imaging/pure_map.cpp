@@ -1,11 +1,14 @@
-// The black panel of a pure black-and-white image, made in one pass.
+// The black panel of a pure black-and-white image, and the mask of pure black dots.
 // Copyright 2026 The rastertobrellian authors.
 //
 // A dot is pure when its three bytes sum to 0 or 765, that is when they
 // are all 0 or all 255.  For a pure dot the panel byte is 255 when the dot
 // is black, which is its red byte inverted.  The scan for a grey dot and
 // the mapping share one pass over the image; a grey dot ends the pass, and
-// the caller then diffuses the whole image instead.
+// the caller then diffuses the whole image instead.  The mask of pure
+// black dots, which the "SolidBlack" rendering keeps out of the diffusion,
+// is made the same way but always over the whole image; a grey dot only
+// marks the image as not pure.
 #include "imaging/pure_map.h"
 
 #include "util/cpu.h"
@@ -34,6 +37,16 @@ bool Pure_MapBlackScalar(const uint8_t* rgb, uint8_t* mono, size_t dots) {
     if (grey) return false;
   }
   return true;
+}
+
+bool Pure_MaskBlackScalar(const uint8_t* rgb, uint8_t* mask, size_t dots) {
+  uint32_t grey = 0;
+  for (size_t i = 0; i < dots; ++i) {
+    uint32_t sum = static_cast<uint32_t>(rgb[3 * i]) + rgb[3 * i + 1] + rgb[3 * i + 2];
+    grey |= (sum != 0) & (sum != 765);
+    mask[i] = sum == 0 ? 255 : 0;
+  }
+  return grey == 0;
 }
 
 #ifdef BRELLIAN_PURE_X86
@@ -78,12 +91,57 @@ __attribute__((target("avx2"))) bool Pure_MapBlackAvx2(const uint8_t* rgb, uint8
   }
   return Pure_MapBlackScalar(rgb + 3 * i, mono + i, dots - i);
 }
+
+// The same purity test, and the mask: the bytes at p, p + 1 and p + 2 ORed
+// together hold, at each red byte's place, the OR of that dot's three
+// bytes, which is 0 exactly for a black dot.  The red places are gathered
+// as in Pure_MapBlackAvx2.  Reading two places further on takes two bytes
+// after the sixteen dots, so again the last block is the plain loop's.
+__attribute__((target("avx2"))) bool Pure_MaskBlackAvx2(const uint8_t* rgb, uint8_t* mask, size_t dots) {
+  constexpr int kWithin0 = 0xB6DB, kWithin1 = 0xDB6D, kWithin2 = 0x6DB6;
+  const __m128i one = _mm_set1_epi8(1);
+  const __m128i zero = _mm_setzero_si128();
+  const __m128i redLow = _mm_setr_epi8(0, 3, 6, 9, 12, 15, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1);
+  const __m128i redMid = _mm_setr_epi8(-1, -1, -1, -1, -1, -1, 2, 5, 8, 11, 14, -1, -1, -1, -1, -1);
+  const __m128i redHigh = _mm_setr_epi8(-1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, 1, 4, 7, 10, 13);
+  bool grey = false;
+  size_t i = 0;
+  for (; dots - i > 16; i += 16) {
+    const uint8_t* p = rgb + 3 * i;
+    auto at = [p](int k) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + k)); };
+    __m128i a = at(0), b = at(16), c = at(32);
+    __m128i a1 = at(1), b1 = at(17), c1 = at(33);
+    __m128i small = _mm_max_epu8(_mm_max_epu8(_mm_add_epi8(a, one), _mm_add_epi8(b, one)),
+                                 _mm_add_epi8(c, one));
+    int extreme = _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_max_epu8(small, one), one));
+    int same0 = _mm_movemask_epi8(_mm_cmpeq_epi8(a, a1));
+    int same1 = _mm_movemask_epi8(_mm_cmpeq_epi8(b, b1));
+    int same2 = _mm_movemask_epi8(_mm_cmpeq_epi8(c, c1));
+    grey |= extreme != 0xFFFF || (same0 & kWithin0) != kWithin0 || (same1 & kWithin1) != kWithin1 ||
+            (same2 & kWithin2) != kWithin2;
+    __m128i oa = _mm_or_si128(_mm_or_si128(a, a1), at(2));
+    __m128i ob = _mm_or_si128(_mm_or_si128(b, b1), at(18));
+    __m128i oc = _mm_or_si128(_mm_or_si128(c, c1), at(34));
+    __m128i any = _mm_or_si128(_mm_or_si128(_mm_shuffle_epi8(oa, redLow), _mm_shuffle_epi8(ob, redMid)),
+                               _mm_shuffle_epi8(oc, redHigh));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(mask + i), _mm_cmpeq_epi8(any, zero));
+  }
+  bool restPure = Pure_MaskBlackScalar(rgb + 3 * i, mask + i, dots - i);
+  return !grey && restPure;
+}
 #else
 bool Pure_MapBlackAvx2(const uint8_t* rgb, uint8_t* mono, size_t dots) {
   return Pure_MapBlackScalar(rgb, mono, dots);
+}
+bool Pure_MaskBlackAvx2(const uint8_t* rgb, uint8_t* mask, size_t dots) {
+  return Pure_MaskBlackScalar(rgb, mask, dots);
 }
 #endif
 
 bool Pure_MapBlack(const uint8_t* rgb, uint8_t* mono, size_t dots) {
   return Cpu_HaveAvx2() ? Pure_MapBlackAvx2(rgb, mono, dots) : Pure_MapBlackScalar(rgb, mono, dots);
+}
+
+bool Pure_MaskBlack(const uint8_t* rgb, uint8_t* mask, size_t dots) {
+  return Cpu_HaveAvx2() ? Pure_MaskBlackAvx2(rgb, mask, dots) : Pure_MaskBlackScalar(rgb, mask, dots);
 }

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstring>
 #include <random>
 #include <vector>
 
@@ -18,6 +19,13 @@ using TPureWay = bool (*)(const uint8_t*, uint8_t*, size_t);
 std::vector<TPureWay> Pure_Ways() {
   std::vector<TPureWay> ways = {Pure_MapBlackScalar, Pure_MapBlack};
   if (Cpu_HaveAvx2()) ways.push_back(Pure_MapBlackAvx2);
+  return ways;
+}
+
+// The ways of the mask of pure black dots.
+std::vector<TPureWay> Pure_MaskWays() {
+  std::vector<TPureWay> ways = {Pure_MaskBlackScalar, Pure_MaskBlack};
+  if (Cpu_HaveAvx2()) ways.push_back(Pure_MaskBlackAvx2);
   return ways;
 }
 
@@ -59,6 +67,15 @@ void Pure_Check(const std::vector<uint8_t>& rgb, const std::string& what) {
       for (size_t i = 0; i < count; ++i) ASSERT_EQ(expected[i], mono[16 + i]) << what << " dot " << i;
     }
   }
+  // The mask: the same answer, and 255 on exactly the black dots of any image.
+  for (TPureWay way : Pure_MaskWays()) {
+    std::vector<uint8_t> mask(count + 32, 0x5A);
+    std::vector<uint8_t> input(rgb);
+    ASSERT_EQ(pure, way(input.data(), mask.data() + 16, count)) << what << " (mask)";
+    for (size_t i = 0; i < 16; ++i) ASSERT_EQ(0x5A, mask[i]) << what;
+    for (size_t i = 0; i < 16; ++i) ASSERT_EQ(0x5A, mask[16 + count + i]) << what;
+    for (size_t i = 0; i < count; ++i) ASSERT_EQ(expected[i], mask[16 + i]) << what << " mask dot " << i;
+  }
 }
 
 }  // namespace
@@ -99,6 +116,13 @@ TEST(PureMap, RandomBytesAreGreyAndAllWhiteIsPure) {
   std::vector<uint8_t> rgb(3 * 1000);
   for (auto& v : rgb) v = static_cast<uint8_t>(rng());
   Pure_Check(rgb, "random");
+  // Random dots of black, white and grey: the mask must find every black
+  // dot among the others.
+  for (size_t i = 0; i < 1000; ++i) {
+    uint32_t kind = rng() % 3;
+    if (kind < 2) memset(&rgb[3 * i], kind ? 255 : 0, 3);
+  }
+  Pure_Check(rgb, "mixed");
   Pure_Check(std::vector<uint8_t>(3 * 1000, 255), "white");
   Pure_Check(std::vector<uint8_t>(3 * 1000, 0), "black");
 }
