@@ -9,6 +9,7 @@
 #include "imaging/panel.h"
 #include "imaging/stages.h"
 #include "log/log.h"
+#include "util/cpu.h"
 
 namespace {
 
@@ -75,7 +76,8 @@ bool Bilevel_Diffuse(const uint8_t* rgb, uint8_t* mono, int32_t W, int32_t H,
     lighten[v] = static_cast<uint8_t>(l > 255 ? 255 : l);
   }
   if (fast) {
-    Bilevel_FloydSteinberg(rgb, mono, gray, W, H, threshold, lighten, keep);
+    if (!Cpu_HaveAvx2() || !Bilevel_FloydSteinbergWave(rgb, mono, W, H, threshold, lighten, keep))
+      Bilevel_FloydSteinberg(rgb, mono, gray, W, H, threshold, lighten, keep);
   } else {
     for (size_t i = 0; i < size; ++i) gray[i] = lighten[rgb[3 * i]];
     Bilevel_Generic(gray, mono, W, H, kernel, threshold, keep);

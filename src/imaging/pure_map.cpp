@@ -101,6 +101,7 @@ __attribute__((target("avx2"))) bool Pure_MaskBlackAvx2(const uint8_t* rgb, uint
   constexpr int kWithin0 = 0xB6DB, kWithin1 = 0xDB6D, kWithin2 = 0x6DB6;
   const __m128i one = _mm_set1_epi8(1);
   const __m128i zero = _mm_setzero_si128();
+  const __m128i allOnes = _mm_set1_epi8(-1);
   const __m128i redLow = _mm_setr_epi8(0, 3, 6, 9, 12, 15, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1);
   const __m128i redMid = _mm_setr_epi8(-1, -1, -1, -1, -1, -1, 2, 5, 8, 11, 14, -1, -1, -1, -1, -1);
   const __m128i redHigh = _mm_setr_epi8(-1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, 1, 4, 7, 10, 13);
@@ -117,8 +118,15 @@ __attribute__((target("avx2"))) bool Pure_MaskBlackAvx2(const uint8_t* rgb, uint
     int same0 = _mm_movemask_epi8(_mm_cmpeq_epi8(a, a1));
     int same1 = _mm_movemask_epi8(_mm_cmpeq_epi8(b, b1));
     int same2 = _mm_movemask_epi8(_mm_cmpeq_epi8(c, c1));
-    grey |= extreme != 0xFFFF || (same0 & kWithin0) != kWithin0 || (same1 & kWithin1) != kWithin1 ||
-            (same2 & kWithin2) != kWithin2;
+    if (extreme == 0xFFFF && (same0 & kWithin0) == kWithin0 && (same1 & kWithin1) == kWithin1 &&
+        (same2 & kWithin2) == kWithin2) {
+      // Sixteen pure dots: the mask is the red bytes inverted.
+      __m128i red = _mm_or_si128(_mm_or_si128(_mm_shuffle_epi8(a, redLow), _mm_shuffle_epi8(b, redMid)),
+                                 _mm_shuffle_epi8(c, redHigh));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(mask + i), _mm_xor_si128(red, allOnes));
+      continue;
+    }
+    grey = true;
     __m128i oa = _mm_or_si128(_mm_or_si128(a, a1), at(2));
     __m128i ob = _mm_or_si128(_mm_or_si128(b, b1), at(18));
     __m128i oc = _mm_or_si128(_mm_or_si128(c, c1), at(34));
