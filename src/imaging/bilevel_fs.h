@@ -18,10 +18,10 @@ void Bilevel_FloydSteinberg(const uint8_t* rgb, uint8_t* mono, uint8_t* row, int
                             int32_t threshold, const uint8_t lighten[256], const uint8_t* keep);
 
 // 'Bilevel_FloydSteinbergWave()' - The same diffusion and the same bytes,
-// four rows at once with AVX2 (call it only where Cpu_HaveAvx2() says the
-// processor has it).  Returns false, having written nothing, when its
-// working memory (about 44 bytes per column) could not be had or the
-// processor family has no such way; the caller then takes
-// Bilevel_FloydSteinberg.
+// eight rows at once with AVX2 (call it only where Cpu_HaveAvx2() says the
+// processor has it).  Returns false, having written nothing, when W is
+// above 4096, when its working memory (about 150 KB and 48 bytes per
+// column) could not be had or the processor family has no such way; the
+// caller then takes Bilevel_FloydSteinberg.
 bool Bilevel_FloydSteinbergWave(const uint8_t* rgb, uint8_t* mono, int32_t W, int32_t H,
                                 int32_t threshold, const uint8_t lighten[256], const uint8_t* keep);

@@ -4,11 +4,11 @@
 // Each dot's level depends on the dot before it (the share to the right),
 // a chain of one table load and one add per dot, which one row cannot
 // shorten.  A row's dot x, though, needs of the row above only its dots up
-// to x + 1, so four rows can run at once, each two blocks behind the one
-// above (a wavefront), and their four chains overlap.  Per row and block:
+// to x + 1, so eight rows can run at once, each two blocks behind the one
+// above (a wavefront), and their eight chains overlap.  Per row and block:
 //   1. the chain: sum[x] = base[x] + right share of sum[x - 1], where base
 //      is the dot's level with every share from the row above in it (plus
-//      kKeptOffset for a kept dot), in plain code, four rows interleaved;
+//      kKeptOffset for a kept dot), in plain code, eight rows interleaved;
 //   2. sixteen dots at a time: the printed byte and the error of each sum,
 //      its three shares into the row below (e x w / 16 truncated toward
 //      zero, as the kernel divides), and then the row below's base: its
@@ -30,33 +30,41 @@
 namespace {
 
 constexpr int32_t kBlock = 32;   // dots per block: two registers of sixteen
-constexpr int32_t kBand = 4;     // rows at once
+constexpr int32_t kBand = 8;     // rows at once
+constexpr int32_t kLag = 2;      // blocks each row runs behind the one above
 constexpr int32_t kPad = 32;     // entries before and after each array
+constexpr int32_t kMaxWidth = 4096;
+constexpr int32_t kSpan = kMaxWidth + 2 * kPad;
+// From a row's block to the next row's block of the same step.
+constexpr int32_t kStep = 2 * kSpan - kLag * kBlock;
 
-// Working arrays of one call, each W rounded up to whole blocks plus the
-// padding on both sides (zero, so that the share from before the first dot
-// is 0).  Bases are kept for kBand + 1 rows, since the band's last row
-// makes the base of the next band's first.
+// Working arrays of one call, zero where nothing is written (so that the
+// share from before the first dot is 0).  For row r of a band (and the
+// row after the band) its base and then its sums, kSpan entries each, at
+// fixed distances, so that the chains of all rows are addressed from one
+// pointer.  Per row of the band its three shares.
 struct TWave {
-  int32_t span = 0;
-  int16_t* sum[kBand];
-  int16_t* base[kBand + 1];
+  int16_t* rows = nullptr;
   int16_t* q1[kBand];
   int16_t* q5[kBand];
   int16_t* q3[kBand];
+  int16_t* base(int32_t r) const { return rows + 2 * r * kSpan + kPad; }
+  int16_t* sum(int32_t r) const { return rows + (2 * r + 1) * kSpan + kPad; }
 };
 
-// 'Wave_Chains()' - Step 1 for N rows at once over one block: c[n] is the
-// sum of the dot before the block in row n, updated to the block's last.
+// 'Wave_Chains()' - Step 1 for N rows at once over one block: p is the
+// first row's block of bases (each further row kStep entries on, its sums
+// kSpan entries after its bases), c[n] the sum of the dot before the block
+// in row n, updated to the block's last.  The sums are added in 64 bits,
+// so that nothing but a load and an add lies between two dots of a row.
 template <int N>
-inline void Wave_Chains(int16_t* const* sum, const int16_t* const* base, intptr_t* c,
-                        const int8_t* right) {
+inline void Wave_Chains(int16_t* p, intptr_t* c, const int8_t* right) {
   intptr_t v[N];
   for (int n = 0; n < N; ++n) v[n] = c[n];
   for (int32_t i = 0; i < kBlock; ++i) {
     for (int n = 0; n < N; ++n) {
-      v[n] = base[n][i] + right[v[n]];
-      sum[n][i] = static_cast<int16_t>(v[n]);
+      v[n] = static_cast<intptr_t>(p[n * kStep + i]) + static_cast<intptr_t>(right[v[n]]);
+      p[n * kStep + kSpan + i] = static_cast<int16_t>(v[n]);
     }
   }
   for (int n = 0; n < N; ++n) c[n] = v[n];
@@ -75,7 +83,7 @@ __attribute__((target("avx2"))) inline __m256i Wave_Div16(__m256i p) {
 
 // 'Wave_Shares()' - Step 2a for one block: the printed bytes of 32 sums
 // into out (only the first count of them are stored) and their shares.
-__attribute__((target("avx2"))) void Wave_Shares(const int16_t* sum, int16_t* q1, int16_t* q5,
+__attribute__((target("avx2"))) inline void Wave_Shares(const int16_t* sum, int16_t* q1, int16_t* q5,
                                                  int16_t* q3, uint8_t* out, int32_t count,
                                                  int32_t threshold) {
   // g < threshold for every level g when the threshold is limited to 0 ... 256.
@@ -109,7 +117,7 @@ __attribute__((target("avx2"))) void Wave_Shares(const int16_t* sum, int16_t* q1
 // 'Wave_Below()' - Step 2b for one block: the base of the row below, from
 // its first samples next (count dots; beyond them the levels are 0),
 // its mask bytes keep (or none) and the shares of the row above.
-__attribute__((target("avx2"))) void Wave_Below(const uint8_t* next, const uint8_t* keep,
+__attribute__((target("avx2"))) inline void Wave_Below(const uint8_t* next, const uint8_t* keep,
                                                 const int16_t* q1, const int16_t* q5,
                                                 const int16_t* q3, int16_t* base, int32_t count,
                                                 const uint8_t lighten[256]) {
@@ -168,50 +176,54 @@ __attribute__((target("avx2"))) void Wave_Below(const uint8_t* next, const uint8
 inline int32_t Wave_Kept(const uint8_t* keep, size_t i) { return keep ? (keep[i] & 0x80) << 2 : 0; }
 
 // 'Wave_Band()' - Rows y0 ... y0 + K - 1 (all of them rows that push error
-// down), each two blocks behind the one above.
-void Wave_Band(const TWave& w, const TShares& t, const uint8_t* rgb, uint8_t* mono, int32_t W,
-               int32_t y0, int32_t K, int32_t threshold, const uint8_t lighten[256],
-               const uint8_t* keep) {
+// down), each kLag blocks behind the one above.  At each step a row takes
+// the chain of its block j, the shares of block j and the row below's base
+// of block j - 1, which needs the shares of block j's first dot.
+__attribute__((target("avx2"))) void Wave_Band(const TWave& w, const TShares& t, const uint8_t* rgb,
+                                                uint8_t* mono, int32_t W, int32_t y0, int32_t K,
+                                                int32_t threshold, const uint8_t lighten[256],
+                                                const uint8_t* keep) {
   const int8_t* right = t.right - kSumLow;
   const int32_t blocks = (W + kBlock - 1) / kBlock;
   intptr_t chain[kBand];
   for (int32_t r = 0; r < K; ++r) chain[r] = kKeptOffset;  // before the first dot: no share
-  for (int32_t step = 0; step <= blocks + 2 * (K - 1); ++step) {
-    int16_t* sums[kBand];
-    const int16_t* bases[kBand];
-    intptr_t c[kBand];
+  for (int32_t step = 0; step <= blocks + kLag * (K - 1); ++step) {
+    // The rows whose block is in the row, a run first ... first + n - 1.
     int32_t first = -1, n = 0;
     for (int32_t r = 0; r < K; ++r) {
-      int32_t j = step - 2 * r;
+      int32_t j = step - kLag * r;
       if (j < 0 || j >= blocks) continue;
       if (first < 0) first = r;
-      sums[n] = w.sum[r] + kPad + j * kBlock;
-      bases[n] = w.base[(y0 + r) % (kBand + 1)] + kPad + j * kBlock;
-      c[n++] = chain[r];
+      ++n;
     }
-    switch (n) {
-      case 1: Wave_Chains<1>(sums, bases, c, right); break;
-      case 2: Wave_Chains<2>(sums, bases, c, right); break;
-      case 3: Wave_Chains<3>(sums, bases, c, right); break;
-      case 4: Wave_Chains<4>(sums, bases, c, right); break;
-      default: break;
+    if (n > 0) {
+      int16_t* p = w.base(first) + (step - kLag * first) * kBlock;
+      intptr_t* c = chain + first;
+      switch (n) {
+        case 1: Wave_Chains<1>(p, c, right); break;
+        case 2: Wave_Chains<2>(p, c, right); break;
+        case 3: Wave_Chains<3>(p, c, right); break;
+        case 4: Wave_Chains<4>(p, c, right); break;
+        case 5: Wave_Chains<5>(p, c, right); break;
+        case 6: Wave_Chains<6>(p, c, right); break;
+        case 7: Wave_Chains<7>(p, c, right); break;
+        default: Wave_Chains<8>(p, c, right); break;
+      }
     }
-    for (int32_t i = 0; i < n; ++i) chain[first + i] = c[i];
     for (int32_t r = 0; r < K; ++r) {
-      int32_t j = step - 2 * r, y = y0 + r;
+      int32_t j = step - kLag * r, y = y0 + r;
       if (j < 0 || j > blocks) continue;
-      const int16_t* base = w.base[y % (kBand + 1)] + kPad;
-      int16_t* below = w.base[(y + 1) % (kBand + 1)] + kPad;
       if (j < blocks) {
         int32_t x = j * kBlock;
         // The last dot takes no share from the left.
-        if (j == blocks - 1) w.sum[r][kPad + W - 1] = base[W - 1];
-        Wave_Shares(w.sum[r] + kPad + x, w.q1[r] + kPad + x, w.q5[r] + kPad + x, w.q3[r] + kPad + x,
+        if (j == blocks - 1) w.sum(r)[W - 1] = w.base(r)[W - 1];
+        Wave_Shares(w.sum(r) + x, w.q1[r] + kPad + x, w.q5[r] + kPad + x, w.q3[r] + kPad + x,
                     mono + static_cast<size_t>(y) * W + x, W - x, threshold);
       }
       if (j >= 1) {
         int32_t x = (j - 1) * kBlock;
         size_t at = static_cast<size_t>(y + 1) * W + x;
+        int16_t* below = w.base(r + 1);
         Wave_Below(rgb + 3 * at, keep ? keep + at : nullptr, w.q1[r] + kPad + x, w.q5[r] + kPad + x,
                    w.q3[r] + kPad + x, below + x, W - x, lighten);
         // The last column takes no share from the row above.
@@ -228,32 +240,36 @@ void Wave_Band(const TWave& w, const TShares& t, const uint8_t* rgb, uint8_t* mo
 
 bool Bilevel_FloydSteinbergWave(const uint8_t* rgb, uint8_t* mono, int32_t W, int32_t H,
                                 int32_t threshold, const uint8_t lighten[256], const uint8_t* keep) {
+  if (W > kMaxWidth) return false;
   const int32_t blocks = (W + kBlock - 1) / kBlock;
-  TWave w;
-  w.span = blocks * kBlock + 2 * kPad;
-  const size_t arrays = 4 * kBand + kBand + 1;  // per row a sum and three shares; the bases
-  int16_t* all = static_cast<int16_t*>(calloc(arrays * static_cast<size_t>(w.span), sizeof(int16_t)));
+  const size_t rows = 2 * static_cast<size_t>(kBand + 1) * kSpan;
+  const size_t span = static_cast<size_t>(blocks) * kBlock + 2 * kPad;
+  int16_t* all = static_cast<int16_t*>(calloc(rows + 3 * kBand * span, sizeof(int16_t)));
   if (!all) return false;
-  int16_t* p = all;
+  TWave w;
+  w.rows = all;
   for (int32_t r = 0; r < kBand; ++r) {
-    w.sum[r] = p;
-    w.q1[r] = p + w.span;
-    w.q5[r] = p + 2 * w.span;
-    w.q3[r] = p + 3 * w.span;
-    p += 4 * w.span;
+    w.q1[r] = all + rows + (3 * r) * span;
+    w.q5[r] = all + rows + (3 * r + 1) * span;
+    w.q3[r] = all + rows + (3 * r + 2) * span;
   }
-  for (int32_t r = 0; r <= kBand; ++r, p += w.span) w.base[r] = p;
   TShares t;
   FS_Fill(&t, threshold);
   for (int32_t x = 0; x < W; ++x)
-    w.base[0][kPad + x] = static_cast<int16_t>(lighten[rgb[3 * x]] + Wave_Kept(keep, x));
-  for (int32_t y0 = 0; y0 < H - 2; y0 += kBand)
-    Wave_Band(w, t, rgb, mono, W, y0, H - 2 - y0 < kBand ? H - 2 - y0 : kBand, threshold, lighten, keep);
+    w.base(0)[x] = static_cast<int16_t>(lighten[rgb[3 * x]] + Wave_Kept(keep, x));
+  int32_t K = 0;
+  for (int32_t y0 = 0; y0 < H - 2; y0 += kBand) {
+    // The base the last band left for the row after it is this band's first.
+    if (y0 > 0) memcpy(w.base(0), w.base(kBand), sizeof(int16_t) * static_cast<size_t>(blocks) * kBlock);
+    K = H - 2 - y0 < kBand ? H - 2 - y0 : kBand;
+    Wave_Band(w, t, rgb, mono, W, y0, K, threshold, lighten, keep);
+  }
 
-  // Row H - 2: shares to the right only.  Row H - 1: none.
+  // Row H - 2, whose base the last band made: shares to the right only.
+  // Row H - 1: none.
   const int8_t* right = t.right - kSumLow;
   const uint8_t* dot = t.dot - kSumLow;
-  const int16_t* base = w.base[(H - 2) % (kBand + 1)] + kPad;
+  const int16_t* base = w.base(K);
   uint8_t* o = mono + static_cast<size_t>(W) * (H - 2);
   int32_t c = base[0];
   for (int32_t x = 0; x < W - 2; ++x) {
