@@ -34,6 +34,7 @@ constexpr int32_t kBand = 8;     // rows at once
 constexpr int32_t kLag = 2;      // blocks each row runs behind the one above
 constexpr int32_t kPad = 32;     // entries before and after each array
 constexpr int32_t kMaxWidth = 4096;
+constexpr int32_t kPrefetchDots = 4 * kBlock;  // how far ahead the row below is asked for
 constexpr int32_t kSpan = kMaxWidth + 2 * kPad;
 // From a row's block to the next row's block of the same step.
 constexpr int32_t kStep = 2 * kSpan - kLag * kBlock;
@@ -129,6 +130,11 @@ __attribute__((target("avx2"))) inline void Wave_Below(const uint8_t* next, cons
   const __m128i redLow = _mm_setr_epi8(0, 3, 6, 9, 12, 15, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1);
   const __m128i redMid = _mm_setr_epi8(-1, -1, -1, -1, -1, -1, 2, 5, 8, 11, 14, -1, -1, -1, -1, -1);
   const __m128i redHigh = _mm_setr_epi8(-1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, 1, 4, 7, 10, 13);
+  // The row below's samples are read here first: ask for them a few
+  // blocks ahead, so that their reading from memory overlaps the work.
+  _mm_prefetch(reinterpret_cast<const char*>(next + 3 * kPrefetchDots), _MM_HINT_T0);
+  _mm_prefetch(reinterpret_cast<const char*>(next + 3 * kPrefetchDots + 64), _MM_HINT_T0);
+  if (keep) _mm_prefetch(reinterpret_cast<const char*>(keep + kPrefetchDots), _MM_HINT_T0);
   __m256i levels[2];
   for (int h = 0; h < 2; ++h) {
     const uint8_t* p = next + 48 * h;
