@@ -7,9 +7,8 @@
 // exactly as Image_Bilevel does with g_floydSteinbergKernel and threshold
 // 127 (the same taps, the same edge rules, the same clamping), so a photo
 // prints as it does with the designed rendering.  It is the shared
-// diffusion of Image_Bilevel with a mask of the pure black dots, and the
-// mask is made in the panel itself by the pass that also tells whether the
-// image is pure black and white.
+// diffusion of Image_Bilevel with a mask of the pure black dots, made in
+// the panel itself.
 #include <cstdlib>
 
 #include "driver/printing_task.h"
@@ -35,13 +34,16 @@ int32_t Image_HalftoneSolidBlack(TPrintingTask* task, const uint8_t* rgb, uint8_
   }
   uint8_t* mono = static_cast<uint8_t*>(malloc(dots ? dots : 1));
   *out = mono;
-  // The mask of pure black dots is the panel of a pure image; for any
-  // other image the diffusion reads each mask byte before it writes the
-  // panel byte in its place.
-  if (mono && !Pure_MaskBlack(rgb, mono, dots) &&
-      !Bilevel_Diffuse(rgb, mono, W, H, g_floydSteinbergKernel, 127, mono)) {
-    free(mono);
-    *out = mono = nullptr;
+  // A pure image is mapped as Image_Halftone maps it, in the pass that
+  // finds it pure.  Any other image gets the mask of its pure black dots
+  // in the panel, and the diffusion reads each mask byte before it writes
+  // the panel byte in its place.
+  if (mono && !Pure_MapBlack(rgb, mono, dots)) {
+    Pure_MaskBlack(rgb, mono, dots);
+    if (!Bilevel_Diffuse(rgb, mono, W, H, g_floydSteinbergKernel, 127, mono)) {
+      free(mono);
+      *out = mono = nullptr;
+    }
   }
   if (!mono) {
     Log_Write(LOG_ENTRYEXIT, "<<<< Image_HalftoneSolidBlack[out of memory]");
