@@ -18,8 +18,11 @@ bash scripts/check-package.sh
 
 # The same suite with AddressSanitizer and UndefinedBehaviorSanitizer: the
 # process tests then run the sanitized filter, and any report fails them.
+# It builds only what it runs: no printer application (its tests ran above)
+# and no end-to-end or trial binaries.
 asan=build-asan
 cmake -S . -B "$asan" -DBRELLIAN_BUILD_TESTS=ON -DBRELLIAN_SANITIZE=ON \
+  -DBRELLIAN_BUILD_PRINTER_APP=OFF -DBRELLIAN_BUILD_LONG_TESTS=OFF \
   -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 cmake --build "$asan" -j"$(nproc)"
 # The sanitized build runs the tests of our own code: unit, process,

@@ -30,15 +30,6 @@ bool Shell(const std::string& dir, const std::string& command, std::string* erro
   return false;
 }
 
-// 'PhotoCommand()' - The command that draws photo i: a coloured
-// background with a head and shoulders, 240 x 300.
-std::string PhotoCommand(int i) {
-  return "gs -q -dSAFER -dBATCH -dNOPAUSE -sDEVICE=png16m -r72 -g240x300 -sOutputFile=photo" +
-         std::to_string(i) + ".png -c '0 1 299 { /y exch def y 300 div 0.3 add 0." + std::to_string(3 + i) +
-         " 0.6 setrgbcolor 0 y 240 1 rectfill } for 0.9 0.75 0.6 setrgbcolor 120 180 60 0 360 arc fill "
-         "0.3 0.3 0.5 setrgbcolor 40 0 160 110 rectfill showpage'";
-}
-
 // The front/back card: a colour band and a QR code in front, a Code 128
 // bar code and a line of text on the back, each page of the card's size.
 const char* const kFrontBack =
@@ -88,8 +79,8 @@ bool Badge_HaveTools(std::string* missing) {
 bool Badge_MakeDocuments(const std::string& dir, std::vector<TBadgeDoc>* docs, std::string* error) {
   std::string src = std::string(BRELLIAN_SOURCE_DIR) + "/docs/badges/";
   std::string commands =
-      "cp " + src + "badge.glabels " + src + "people.csv . && " + PhotoCommand(1) + " && " + PhotoCommand(2) +
-      " && " + PhotoCommand(3) + " && glabels-3-batch -o badges.pdf badge.glabels >/dev/null 2>&1" +
+      "cp " + src + "badge.glabels " + src + "people.csv " + src + "photo1.png " + src + "photo2.png " + src +
+      "photo3.png . && glabels-3-batch -o badges.pdf badge.glabels >/dev/null 2>&1" +
       " && qrencode -o qr.png 'BRELLIAN-0042' && qrencode -t EPS -o qr.eps 'BRELLIAN-0042'" +
       " && zint -b DATAMATRIX -d 'BRELLIAN-0042' -o datamatrix.png" +
       " && zint -b DATAMATRIX -d 'BRELLIAN-0042' -o datamatrix.eps" +
