@@ -19,6 +19,8 @@
 #include <cerrno>
 #include <cstring>
 
+#include "app/device_state.h"
+
 // PAPPL 1.3.1 adds its built-in schemes only while it has none at all, so
 // once ours is in, the network ("socket", "snmp", "dnssd") and "usb"
 // schemes must be added by hand.  These two functions are exported by
@@ -38,14 +40,22 @@ struct TFileDevice {
 
 std::atomic<unsigned> g_filePartCounter{0};
 
+// 'FileDev_Fail()' - An open that failed: the reason to PAPPL's log and
+// to the printer's state message (app/device_state.h).
+void FileDev_Fail(pappl_device_t* device, const char* uri, const std::string& text) {
+  papplDeviceError(device, "%s", text.c_str());
+  DevState_Failed(uri, text);
+}
+
 // 'FileDev_Open()' - PAPPL open callback: a directory, a character device
 // or a plain file.
 bool FileDev_Open(pappl_device_t* device, const char* uri, const char* name) {
   char scheme[32], userpass[32], host[256], resource[1024];
   int port = 0;
+  DevState_Opening(uri);
   if (httpSeparateURI(HTTP_URI_CODING_ALL, uri, scheme, sizeof(scheme), userpass, sizeof(userpass), host,
                       sizeof(host), &port, resource, sizeof(resource)) < HTTP_URI_STATUS_OK) {
-    papplDeviceError(device, "Bad file device URI \"%s\".", uri);
+    FileDev_Fail(device, uri, std::string("Bad file device URI \"") + uri + "\".");
     return false;
   }
   char* options = strchr(resource, '?');
@@ -60,19 +70,23 @@ bool FileDev_Open(pappl_device_t* device, const char* uri, const char* name) {
                      fdev->finalName;
     fdev->fd = openat(dirFd, fdev->partName.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0640);
     if (fdev->fd < 0)
-      papplDeviceError(device, "Unable to create a file in \"%s\": %s.", resource, strerror(errno));
+      FileDev_Fail(device, uri,
+                   std::string("Unable to create a file in \"") + resource + "\": " + strerror(errno) + ".");
   } else if (stat(resource, &st) == 0 && S_ISCHR(st.st_mode)) {
     fdev->fd = open(resource, O_WRONLY | O_CLOEXEC);
-    if (fdev->fd < 0) papplDeviceError(device, "Unable to open \"%s\": %s.", resource, strerror(errno));
+    if (fdev->fd < 0)
+      FileDev_Fail(device, uri, std::string("Unable to open \"") + resource + "\": " + strerror(errno) + ".");
   } else {
     fdev->fd = open(resource, O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0640);
     if (fdev->fd >= 0 && (fstat(fdev->fd, &st) != 0 || !S_ISREG(st.st_mode) || st.st_nlink != 1)) {
-      papplDeviceError(device, "Not writing to \"%s\": not a regular file with one link.", resource);
+      FileDev_Fail(device, uri,
+                   std::string("Not writing to \"") + resource + "\": not a regular file with one link.");
       close(fdev->fd);
       fdev->fd = -1;
     } else if (fdev->fd < 0) {
-      papplDeviceError(device, "Unable to open \"%s\": %s.", resource,
-                       errno == ELOOP ? "it is a symbolic link" : strerror(errno));
+      FileDev_Fail(device, uri,
+                   std::string("Unable to open \"") + resource + "\": " +
+                       (errno == ELOOP ? "it is a symbolic link" : strerror(errno)) + ".");
     } else {
       fcntl(fdev->fd, F_SETFL, O_WRONLY | O_APPEND);
     }
@@ -83,6 +97,7 @@ bool FileDev_Open(pappl_device_t* device, const char* uri, const char* name) {
     return false;
   }
   papplDeviceSetData(device, fdev);
+  DevState_Opened(uri);
   return true;
 }
 

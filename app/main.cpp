@@ -9,11 +9,15 @@
 
 #include "app/app_system.h"
 #include "app/cli_commands.h"
+#include "app/device_state.h"
 #include "app/dnssd_check.h"
 #include "app/file_device.h"
+#include "app/format_check.h"
 #include "app/models.h"
 #include "app/pappl_driver.h"
+#include "app/socket_device.h"
 #include "app/stream_queue.h"
+#include "app/uri_security.h"
 #include "lib/tool_model.h"
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -33,8 +37,12 @@ int main(int argc, char* argv[]) {
   if (argc > 1 && Cli_Handles(argv[1])) return Cli_Run(argc, argv);
   if (argc > 1 && strcmp(argv[1], "devices") == 0 && !DnsSd_Available())
     fprintf(stderr, "brellian-printer-app: %s\n", g_dnssdUnavailableText);
+  SockDev_Register();        // before PAPPL registers its own "socket" scheme
   FileDev_Register();        // before PAPPL registers its own "file" scheme
   (void)StreamQueue_Active();  // raster jobs wait for a busy printer
+  (void)DevState_Active();     // the state message names why the device cannot be opened
+  (void)Format_Active();       // unprintable documents are refused at submission
+  (void)UriSec_Active();       // the printer URIs and their security values agree
   int32_t count = 0;
   const TAppModel* models = App_Models(&count);
   static std::vector<pappl_pr_driver_t> drivers;

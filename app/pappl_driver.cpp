@@ -13,8 +13,29 @@
 
 namespace {
 
+// The one media source and media type of every model.
+constexpr const char* kMediaSource = "main";
+constexpr const char* kMediaType = "plastic";
+
 // 'Driver_HasBack()' - Two-sided printing is possible.
 bool Driver_HasBack(const TAppModel& model, const TAccessories& acc) { return model.twoSided && acc.flipTurn; }
+
+// 'Driver_DefaultMedia()' - The first size of g_appMedia, with the margin
+// of APP_MEDIA_MARGIN, from the one source, of the one type.
+pappl_media_col_t Driver_DefaultMedia() {
+  pappl_media_col_t media = {};
+  pwg_media_t* pwg = pwgMediaForPWG(g_appMedia[0]);
+  if (pwg) {
+    snprintf(media.size_name, sizeof(media.size_name), "%s", pwg->pwg);
+    media.size_width = pwg->width;
+    media.size_length = pwg->length;
+  }
+  media.left_margin = media.right_margin = APP_MEDIA_MARGIN;
+  media.bottom_margin = media.top_margin = APP_MEDIA_MARGIN;
+  snprintf(media.source, sizeof(media.source), "%s", kMediaSource);
+  snprintf(media.type, sizeof(media.type), "%s", kMediaType);
+  return media;
+}
 
 // 'Driver_FillData()' - The fixed part of the driver data.
 void Driver_FillData(const TAppModel& model, const TAccessories& acc, pappl_pr_driver_data_t* data) {
@@ -60,22 +81,10 @@ void Driver_FillData(const TAppModel& model, const TAccessories& acc, pappl_pr_d
   data->num_media = APP_MEDIA_COUNT;
   for (int i = 0; i < APP_MEDIA_COUNT; ++i) data->media[i] = g_appMedia[i];
   data->num_source = 1;
-  data->source[0] = "main";
+  data->source[0] = kMediaSource;
   data->num_type = 1;
-  data->type[0] = "plastic";
-  pappl_media_col_t media = {};
-  pwg_media_t* pwg = pwgMediaForPWG(g_appMedia[0]);
-  if (pwg) {
-    snprintf(media.size_name, sizeof(media.size_name), "%s", pwg->pwg);
-    media.size_width = pwg->width;
-    media.size_length = pwg->length;
-  }
-  media.left_margin = media.right_margin = APP_MEDIA_MARGIN;
-  media.bottom_margin = media.top_margin = APP_MEDIA_MARGIN;
-  snprintf(media.source, sizeof(media.source), "main");
-  snprintf(media.type, sizeof(media.type), "plastic");
-  data->media_default = media;
-  data->media_ready[0] = media;
+  data->type[0] = kMediaType;
+  data->media_default = data->media_ready[0] = Driver_DefaultMedia();
   // Portrait: a picture is printed as sent, not turned (IPP Everywhere
   // wants a default from portrait to reverse-portrait; "none", PAPPL's turn
   // to fit, stays offered to jobs).

@@ -80,9 +80,15 @@ extern "C" void _papplJobCopyDocumentData(pappl_client_t* client, pappl_job_t* j
          !papplJobIsCanceled(job))
     usleep(100000);
   pappl(client, job);
+  // The job has left the printer's active jobs: it stops counting before
+  // the next raster job gets its turn, which would otherwise take the
+  // printer as idle while a spooled job is queued or starting (both jobs
+  // then wrote to one device, and the first one's close aborted the other).
+  {
+    std::lock_guard<std::mutex> lock(g_streamTurnsLock);
+    turn.inside--;
+  }
   if (mine) turn.printing.unlock();
-  std::lock_guard<std::mutex> lock(g_streamTurnsLock);
-  turn.inside--;
 }
 
 // 'StreamQueue_Active()' - Built against PAPPL 1.3.

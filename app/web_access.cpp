@@ -163,6 +163,15 @@ void Web_StartForm(pappl_client_t* client, const char* path, bool multipart, con
   papplClientHTMLPrintf(client, "<input type=\"hidden\" name=\"brellian-token\" value=\"%s\">\n", token.c_str());
 }
 
+const char* const WEB_INVALID_FORM =
+    "Invalid form data (the form token is missing or out of date): nothing was changed.";
+
+// 'Web_FormTokenOk()' - PAPPL's check, then ours.
+bool Web_FormTokenOk(pappl_client_t* client, int num_form, cups_option_t* form, const std::string& token) {
+  return papplClientIsValidForm(client, num_form, form) && !token.empty() &&
+         Web_FormValue(num_form, form, "brellian-token") == token;
+}
+
 // 'Web_Message()' - One message paragraph.
 void Web_Message(pappl_client_t* client, const std::string& text, bool error) {
   papplClientHTMLPuts(client, error ? "<p class=\"brellian-error\"><b>" : "<p class=\"brellian-message\">");

@@ -53,6 +53,13 @@ std::string Web_SessionToken(pappl_client_t* client);
 // "brellian-token" field holding token.
 void Web_StartForm(pappl_client_t* client, const char* path, bool multipart, const std::string& token);
 
+// 'Web_FormTokenOk()' - The posted form passes PAPPL's own check and its
+// "brellian-token" field is token, which is not empty.
+bool Web_FormTokenOk(pappl_client_t* client, int num_form, cups_option_t* form, const std::string& token);
+
+// The message of a form that fails Web_FormTokenOk().
+extern const char* const WEB_INVALID_FORM;
+
 // 'Web_Message()' - A paragraph with a message; error messages in bold.
 // The text is escaped.
 void Web_Message(pappl_client_t* client, const std::string& text, bool error);

@@ -46,25 +46,21 @@ bool Device_Save(int num_form, cups_option_t* form, const TAppModel& model, TAcc
 
 // 'Web_DevicePage()' - GET shows the accessories, POST changes them.
 bool Web_DevicePage(pappl_client_t* client, void* data) {
-  pappl_printer_t* printer = static_cast<pappl_printer_t*>(data);
-  const TAppModel* model = App_FindModel(papplPrinterGetDriverName(printer));
-  if (!model || !papplClientHTMLAuthorize(client)) return false;
-  // Decided before the body is read: the request's header fields are gone
-  // once PAPPL has read the form.
-  bool mayChange = Web_MayChange(client);
-  std::string token = Web_SessionToken(client);
-  TAccessories acc = Acc_Load(printer, *model);
+  TPrinterPage page;
+  if (!Web_OpenPrinterPage(client, data, &page)) return false;
+  pappl_printer_t* printer = page.printer;
+  const TAppModel* model = page.model;
+  TAccessories& acc = page.acc;
   std::string message;
   bool error = false;
   if (papplClientGetMethod(client) == HTTP_STATE_POST) {
     cups_option_t* form = nullptr;
     int num_form = papplClientGetForm(client, &form);
-    if (!mayChange) {
+    if (!page.mayChange) {
       message = "Settings can be changed only from this machine, or by a signed-in administrator.";
       error = true;
-    } else if (!papplClientIsValidForm(client, num_form, form) || token.empty() ||
-               Web_FormValue(num_form, form, "brellian-token") != token) {
-      message = "Invalid form data (the form token is missing or out of date): nothing was changed.";
+    } else if (!Web_FormTokenOk(client, num_form, form, page.token)) {
+      message = WEB_INVALID_FORM;
       error = true;
     } else if (!Device_Save(num_form, form, *model, &acc, &message)) {
       error = true;
@@ -81,7 +77,7 @@ bool Web_DevicePage(pappl_client_t* client, void* data) {
   if (!message.empty()) Web_Message(client, message, error);
   char path[256];
   papplPrinterGetPath(printer, "device", path, sizeof(path));
-  Web_StartForm(client, path, false, token);
+  Web_StartForm(client, path, false, page.token);
   papplClientHTMLPuts(client, "<table class=\"form\">\n<tr><th><label for=\"ribbon-type\">Ribbon:</label></th><td>"
                               "<select id=\"ribbon-type\" name=\"ribbon-type\">");
   for (const char* r : g_ribbonTypes)

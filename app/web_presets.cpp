@@ -62,9 +62,8 @@ bool Web_PresetPost(pappl_client_t* client, bool mayChange, const std::string& t
     // The whole body was over the limit and dropped, token included.
     *message = "The upload is larger than the limit of " + Web_UploadLimit(PRESETS_MAX_PNG_BYTES) +
                ": nothing was changed.";
-  } else if (!papplClientIsValidForm(client, num_form, form) || token.empty() ||
-             Web_FormValue(num_form, form, "brellian-token") != token) {
-    *message = "Invalid form data (the form token is missing or out of date): nothing was changed.";
+  } else if (!Web_FormTokenOk(client, num_form, form, token)) {
+    *message = WEB_INVALID_FORM;
   } else if (serial.empty()) {
     *message = "This printer has no serial number yet: set it on the Device settings page.";
   } else if (action == "settings") {
@@ -86,18 +85,14 @@ bool Web_PresetPost(pappl_client_t* client, bool mayChange, const std::string& t
 
 // 'Web_PresetsPage()' - GET shows the presets, POST changes them.
 bool Web_PresetsPage(pappl_client_t* client, void* data) {
-  pappl_printer_t* printer = static_cast<pappl_printer_t*>(data);
-  const TAppModel* model = App_FindModel(papplPrinterGetDriverName(printer));
-  if (!model || !papplClientHTMLAuthorize(client)) return false;
-  // Decided before the body is read: the request's header fields are gone
-  // once PAPPL has read the form.
-  bool mayChange = Web_MayChange(client);
-  std::string token = Web_SessionToken(client);
-  TAccessories acc = Acc_Load(printer, *model);
+  TPrinterPage page;
+  if (!Web_OpenPrinterPage(client, data, &page)) return false;
+  pappl_printer_t* printer = page.printer;
+  const TAccessories& acc = page.acc;
   std::string message, installed;
   bool ok = true;
   if (papplClientGetMethod(client) == HTTP_STATE_POST)
-    ok = Web_PresetPost(client, mayChange, token, *model, acc.serial, &message, &installed);
+    ok = Web_PresetPost(client, page.mayChange, page.token, *page.model, acc.serial, &message, &installed);
   char path[256], preview[256];
   papplPrinterGetPath(printer, "presets", path, sizeof(path));
   papplPrinterGetPath(printer, "uv-preview", preview, sizeof(preview));
@@ -119,7 +114,7 @@ bool Web_PresetsPage(pappl_client_t* client, void* data) {
     papplClientHTMLPuts(client, "<p>Presets of serial number ");
     papplClientHTMLEscape(client, acc.serial.c_str(), 0);
     papplClientHTMLPuts(client, ". The filter and the command-line preset tools use the same presets.</p>\n");
-    Web_PresetForms(client, path, preview, settings, token);
+    Web_PresetForms(client, path, preview, settings, page.token);
   }
   papplClientHTMLPrinterFooter(client);
   return true;

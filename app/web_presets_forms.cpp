@@ -26,30 +26,60 @@ void Web_PresetInput(pappl_client_t* client, const TBrellianSettings& s, const T
   papplClientHTMLPuts(client, "\">");
 }
 
-// 'Web_PresetSelect()' - One key as a choice among choices (value, label);
-// a current value that is not among them is kept as a choice of its own.
-void Web_PresetSelect(pappl_client_t* client, const TBrellianSettings& s, const TSettingsKey& key, const char* label,
-                    std::vector<std::pair<std::string, std::string>> choices, const char* hint) {
-  std::string name = Settings_KeyName(key);
-  std::string current = Settings_GetValue(s, key);
-  bool found = false;
-  for (const auto& c : choices) found = found || c.first == current;
-  if (!found) choices.push_back({current, current + " (not installed)"});
+// One choice of a <select>: the value the form sends and the text shown.
+// A bare choice is written "<option>text</option>": its value is its text.
+struct TWebChoice {
+  std::string value;
+  std::string text;
+  bool bare = false;
+};
+
+// 'Web_SelectRow()' - A form row "label:" with a <select> of the choices,
+// the one whose value is current selected (none when current is null or
+// matches none), and the hint after the list unless it is null.  label and
+// hint are written as they are; values and texts are escaped.
+void Web_SelectRow(pappl_client_t* client, const std::string& name, const char* label,
+                   const std::vector<TWebChoice>& choices, const std::string* current, const char* hint) {
   papplClientHTMLPrintf(client, "<tr><th><label for=\"%s\">%s:</label></th><td><select name=\"%s\" id=\"%s\">",
                         name.c_str(), label, name.c_str(), name.c_str());
-  for (const auto& c : choices) {
-    papplClientHTMLPuts(client, "<option value=\"");
-    Web_PresetText(client, c.first);
-    papplClientHTMLPuts(client, c.first == current ? "\" selected>" : "\">");
-    Web_PresetText(client, c.second);
+  for (const TWebChoice& c : choices) {
+    if (c.bare) {
+      papplClientHTMLPuts(client, "<option>");
+    } else {
+      papplClientHTMLPuts(client, "<option value=\"");
+      Web_PresetText(client, c.value);
+      papplClientHTMLPuts(client, current && c.value == *current ? "\" selected>" : "\">");
+    }
+    Web_PresetText(client, c.text);
     papplClientHTMLPuts(client, "</option>");
   }
-  papplClientHTMLPrintf(client, "</select> <small>%s</small></td></tr>\n", hint);
+  if (hint)
+    papplClientHTMLPrintf(client, "</select> <small>%s</small></td></tr>\n", hint);
+  else
+    papplClientHTMLPuts(client, "</select></td></tr>\n");
+}
+
+// 'Web_PresetSelect()' - One settings key as a choice among choices; a
+// current value that is not among them is kept as a choice of its own.
+void Web_PresetSelect(pappl_client_t* client, const TBrellianSettings& s, const TSettingsKey& key, const char* label,
+                      std::vector<TWebChoice> choices, const char* hint) {
+  std::string current = Settings_GetValue(s, key);
+  bool found = false;
+  for (const TWebChoice& c : choices) found = found || c.value == current;
+  if (!found) choices.push_back({current, current + " (not installed)"});
+  Web_SelectRow(client, Settings_KeyName(key), label, choices, &current, hint);
+}
+
+// 'Web_NumberChoices()' - The bare choices 1 to n.
+std::vector<TWebChoice> Web_NumberChoices(int n) {
+  std::vector<TWebChoice> c;
+  for (int i = 1; i <= n; ++i) c.push_back({std::to_string(i), std::to_string(i), true});
+  return c;
 }
 
 // 'Web_PresetNameChoices()' - "" (none) and every installed name.
-std::vector<std::pair<std::string, std::string>> Web_PresetNameChoices(const std::vector<std::string>& names) {
-  std::vector<std::pair<std::string, std::string>> c{{"", "(none)"}};
+std::vector<TWebChoice> Web_PresetNameChoices(const std::vector<std::string>& names) {
+  std::vector<TWebChoice> c{{"", "(none)"}};
   for (const std::string& n : names) c.push_back({n, n});
   return c;
 }
@@ -128,11 +158,16 @@ void Web_PresetInstalled(pappl_client_t* client, const char* previewPath, const 
   papplClientHTMLPuts(client, lut.empty() ? "<li>none</li></ul>\n" : "</ul>\n");
 }
 
-// 'Web_PresetOptions()' - "<option>1</option>..." up to n.
-std::string Web_PresetOptions(int n) {
-  std::string s;
-  for (int i = 1; i <= n; ++i) s += "<option>" + std::to_string(i) + "</option>";
-  return s;
+// 'Web_UploadFormStart()' - An upload form up to its first row: its title,
+// the form start with the token, the hidden action and the choice of the
+// preset it fills (numberName, 1 to count).
+void Web_UploadFormStart(pappl_client_t* client, const char* path, const std::string& token, const char* title,
+                         const char* action, const char* numberName, const char* numberLabel, int count) {
+  papplClientHTMLPrintf(client, "<h3>%s</h3>\n", title);
+  Web_StartForm(client, path, true, token);
+  papplClientHTMLPrintf(client, "<input type=\"hidden\" name=\"action\" value=\"%s\">\n<table class=\"form\">\n",
+                        action);
+  Web_SelectRow(client, numberName, numberLabel, Web_NumberChoices(count), nullptr, nullptr);
 }
 
 }  // namespace
@@ -164,36 +199,24 @@ void Web_PresetForms(pappl_client_t* client, const char* path, const char* previ
   Web_PresetSettingsForm(client, path, s, uv, lut, token);
   Web_PresetInstalled(client, previewPath, uv, lut);
   std::string maxName = std::to_string(PRESETS_MAX_NAME);
-  papplClientHTMLPuts(client, "<h3>Upload a UV image</h3>\n");
-  Web_StartForm(client, path, true, token);
+  Web_UploadFormStart(client, path, token, "Upload a UV image", "uv", "uv-preset", "Preset", SETTINGS_NAMES);
   papplClientHTMLPrintf(client,
-                        "<input type=\"hidden\" name=\"action\" value=\"uv\">\n<table class=\"form\">\n"
-                        "<tr><th><label for=\"uv-preset\">Preset:</label></th><td><select name=\"uv-preset\" "
-                        "id=\"uv-preset\">");
-  papplClientHTMLPuts(client, Web_PresetOptions(SETTINGS_NAMES).c_str());
-  papplClientHTMLPrintf(client,
-                        "</select></td></tr>\n"
                         "<tr><th><label for=\"uv-name\">File name:</label></th><td><input type=\"text\" name=\"uv-name\" "
                         "id=\"uv-name\" value=\"\" size=\"24\" maxlength=\"%s\"> <small>at most %s bytes; an "
-                        "installed name is replaced</small></td></tr>\n"
-                        "<tr><th><label for=\"uv-fit\">Other sizes:</label></th><td><select name=\"uv-fit\" "
-                        "id=\"uv-fit\"><option value=\"fit\">fit, keeping the aspect ratio</option><option "
-                        "value=\"stretch\">stretch</option><option value=\"exact\">refuse</option></select></td></tr>\n"
+                        "installed name is replaced</small></td></tr>\n",
+                        maxName.c_str(), maxName.c_str());
+  Web_SelectRow(client, "uv-fit", "Other sizes",
+                {{"fit", "fit, keeping the aspect ratio"}, {"stretch", "stretch"}, {"exact", "refuse"}}, nullptr,
+                nullptr);
+  papplClientHTMLPrintf(client,
                         "<tr><th><label for=\"uv-file\">PNG picture:</label></th><td><input type=\"file\" "
                         "name=\"uv-file\" id=\"uv-file\" accept=\"image/png\"> <small>at most %s; black prints UV, "
                         "white none</small></td></tr>\n"
                         "<tr><th></th><td><input type=\"submit\" id=\"upload-uv\" value=\"Upload UV image\"></td></tr>\n"
                         "</table></form>\n",
-                        maxName.c_str(), maxName.c_str(), Web_UploadLimit(PRESETS_MAX_PNG_BYTES).c_str());
-  papplClientHTMLPuts(client, "<h3>Upload a colour table</h3>\n");
-  Web_StartForm(client, path, true, token);
+                        Web_UploadLimit(PRESETS_MAX_PNG_BYTES).c_str());
+  Web_UploadFormStart(client, path, token, "Upload a colour table", "lut", "lut-table", "Table", APP_COLOR_TABLES);
   papplClientHTMLPrintf(client,
-                        "<input type=\"hidden\" name=\"action\" value=\"lut\">\n<table class=\"form\">\n"
-                        "<tr><th><label for=\"lut-table\">Table:</label></th><td><select name=\"lut-table\" "
-                        "id=\"lut-table\">");
-  papplClientHTMLPuts(client, Web_PresetOptions(APP_COLOR_TABLES).c_str());
-  papplClientHTMLPrintf(client,
-                        "</select></td></tr>\n"
                         "<tr><th><label for=\"lut-name\">Name:</label></th><td><input type=\"text\" name=\"lut-name\" "
                         "id=\"lut-name\" value=\"\" size=\"24\" maxlength=\"%s\"> <small>letters and digits, at most "
                         "%s bytes</small></td></tr>\n"

@@ -11,20 +11,12 @@
 #   FILTER     the filter program to count (default BUILD_DIR/rastertobrellian),
 #              for instance a copy of an earlier build's, to compare the two
 #   JOB        jobs to count (default: the panel-sized ones)
-set -euo pipefail
-cd "$(dirname "$0")/.."
+. "$(dirname "$0")/lib.sh"
 build=build-bench
 filter=""
-while getopts "b:f:" opt; do
-  case $opt in
-    b) build=$OPTARG ;;
-    f) filter=$OPTARG ;;
-    *) sed -n '8,14p' "$0"; exit 2 ;;
-  esac
-done
+bench_options "b=build f=filter" "$@"
 [ -n "$filter" ] || filter="$build/rastertobrellian"
-shift $((OPTIND - 1))
-jobs=("$@")
+jobs=("${bench_args[@]}")
 [ ${#jobs[@]} -gt 0 ] || jobs=(card600 card600z panel600 panel600z panel300 panel300z card300)
 work="$build/bench/jobs"
 options="frontRibbon=ColorK backRibbon=ColorK frontResin=Page backResin=Page frontUV=Page backUV=Page frontPO=Page backPO=Page"

@@ -14,21 +14,13 @@
 #   CARDS      cards of the timed batch (default 200)
 #   POLL_MS    the tool's --poll-interval (default 100; the tool's own default is 1000)
 # Nothing here fails on a time.
-set -euo pipefail
-cd "$(dirname "$0")/.."
+. "$(dirname "$0")/lib.sh"
 build=build-test
 cards=200
 poll=100
-while getopts "b:n:p:" opt; do
-  case $opt in
-    b) build=$OPTARG ;;
-    n) cards=$OPTARG ;;
-    p) poll=$OPTARG ;;
-    *) sed -n '10,14p' "$0"; exit 2 ;;
-  esac
-done
+bench_options "b=build n=cards p=poll" "$@"
 [ "$(id -u)" -eq 0 ] || { echo "run as root: the private spooler starts as root" >&2; exit 2; }
-cmake --build "$build" -j2 --target brellian-batch >/dev/null
+bench_build "$build" brellian-batch
 tool="$PWD/$build/tools/brellian-batch"
 work="$PWD/$build/bench/batch"
 rm -rf "$work"

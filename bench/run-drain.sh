@@ -10,21 +10,10 @@
 #   RUNS       runs per job and filter (default 3); the median is shown
 # Wall times widen on a loaded machine; the filter's CPU time much less.
 # Nothing here fails on a time.
-set -euo pipefail
-cd "$(dirname "$0")/.."
+. "$(dirname "$0")/lib.sh"
 build=build-bench
 runs=3
-while getopts "b:n:" opt; do
-  case $opt in
-    b) build=$OPTARG ;;
-    n) runs=$OPTARG ;;
-    *) sed -n '7,12p' "$0"; exit 2 ;;
-  esac
-done
-shift $((OPTIND - 1))
-if [ ! -f "$build/CMakeCache.txt" ]; then
-  cmake -S . -B "$build" -DBRELLIAN_BUILD_BENCH=ON -DCMAKE_BUILD_TYPE=Release \
-    -DBRELLIAN_SYSROOT="$PWD/$build/sysroot" >/dev/null
-fi
-cmake --build "$build" -j2 --target rastertobrellian brellian-drainbench >/dev/null
-"$build/bench/brellian-drainbench" -n "$runs" "$PWD/$build/rastertobrellian" "$@"
+bench_options "b=build n=runs" "$@"
+bench_configure "$build"
+bench_build "$build" rastertobrellian brellian-drainbench
+"$build/bench/brellian-drainbench" -n "$runs" "$PWD/$build/rastertobrellian" "${bench_args[@]}"

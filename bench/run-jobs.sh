@@ -17,29 +17,16 @@
 # system (minimum: on a loaded machine the least the job took is the
 # steadiest figure); the ratios of alternating pairs vary much less than
 # the times.  Nothing here fails on a time.
-set -euo pipefail
-cd "$(dirname "$0")/.."
+. "$(dirname "$0")/lib.sh"
 build=build-bench
 runs=9
 table=""
 only=""
 flooronly=0
-while getopts "b:n:o:j:f" opt; do
-  case $opt in
-    b) build=$OPTARG ;;
-    n) runs=$OPTARG ;;
-    o) table=$OPTARG ;;
-    j) only=$OPTARG ;;
-    f) flooronly=1 ;;
-    *) sed -n '8,18p' "$0"; exit 2 ;;
-  esac
-done
-if [ ! -x "$build/bench/brellian-nullfilter" ]; then
-  cmake -S . -B "$build" -DBRELLIAN_BUILD_BENCH=ON -DCMAKE_BUILD_TYPE=Release \
-    -DBRELLIAN_SYSROOT="$PWD/$build/sysroot" >/dev/null
-fi
-cmake --build "$build" -j2 --target rastertobrellian brellian-nullfilter brellian-iofloor brellian-reffilter \
-  brellian-rasterwrite brellian-samplecard brellian_ppds >/dev/null
+bench_options "b=build n=runs o=table j=only f=flooronly+" "$@"
+bench_configure "$build"
+bench_build "$build" rastertobrellian brellian-nullfilter brellian-iofloor brellian-reffilter \
+  brellian-rasterwrite brellian-samplecard brellian_ppds
 [ -n "$table" ] || table="$build/bench/jobs.txt"
 work="$build/bench/jobs"
 mkdir -p "$work"

@@ -11,17 +11,10 @@
 #   BUILD_DIR  a build with the filter and the PPD files (default build-test)
 #   REVISION   a git revision whose shell filters are timed as well
 # Wall times widen on a loaded machine.  Nothing here fails on a time.
-set -euo pipefail
-cd "$(dirname "$0")/.."
+. "$(dirname "$0")/lib.sh"
 build=build-test
 rev=
-while getopts "b:r:" opt; do
-  case $opt in
-    b) build=$OPTARG ;;
-    r) rev=$OPTARG ;;
-    *) sed -n '10,13p' "$0"; exit 2 ;;
-  esac
-done
+bench_options "b=build r=rev" "$@"
 [ -x "$build/rastertobrellian" ] && [ -f "$build/ppd/br1060.ppd" ] || {
   echo "run-text-bombs: build the filter and the PPD files in $build first" >&2
   exit 1

@@ -1,8 +1,14 @@
-// Captures of several job command streams sent back to back, one check per job.
+// Captures of several job command streams sent back to back: reading one, one check per job, the verdict.
 // Copyright 2026 The rastertobrellian authors.
 #include "lib/job_split.h"
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
 #include "jobstream/records.h"
+#include "lib/tool_file.h"
+#include "util/safe_file.h"
 
 namespace {
 
@@ -51,4 +57,22 @@ std::vector<TStreamCheck> Inspect_ReadJobs(const std::string& bytes) {
     if (!checks.back().ok) break;
   }
   return checks;
+}
+
+// 'Inspect_ReadCapture()' - Standard input or a regular file, capped.
+bool Inspect_ReadCapture(const std::string& path, std::string* bytes, std::string* error) {
+  const bool in = path.empty() || path == "-";
+  errno = 0;
+  if (in ? Tool_ReadAll(stdin, INSPECT_MAX_STREAM_BYTES, bytes)
+         : File_ReadCapped(path.c_str(), INSPECT_MAX_STREAM_BYTES, bytes) == 0)
+    return true;
+  *error = "cannot read " + (in ? std::string("standard input") : path) + ": " +
+           (errno == EFBIG ? "more than 1 GiB" : strerror(errno));
+  return false;
+}
+
+// 'Inspect_ExitStatus()' - The last job decides.
+int Inspect_ExitStatus(const std::vector<TStreamCheck>& checks) {
+  if (!checks.back().ok) return INSPECT_MALFORMED;
+  return checks.back().complete ? INSPECT_COMPLETE : INSPECT_CUT;
 }

@@ -3,9 +3,11 @@
 #include "lib/tool_file.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstring>
 
 #include "util/safe_file.h"
 
@@ -46,4 +48,18 @@ bool Tool_ReadAll(FILE* stream, size_t maxBytes, std::string* out) {
     }
     if (n < sizeof buf) return !ferror(stream);
   }
+}
+
+// 'Tool_MakeDir()' - mkdir, then a check of what is there.
+bool Tool_MakeDir(const std::string& dir, std::string* error) {
+  if (mkdir(dir.c_str(), 0755) != 0 && errno != EEXIST) {
+    *error = "cannot create " + dir + ": " + strerror(errno);
+    return false;
+  }
+  struct stat st;
+  if (lstat(dir.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) {
+    *error = dir + " is not a directory";
+    return false;
+  }
+  return true;
 }

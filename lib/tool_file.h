@@ -13,6 +13,12 @@ bool Tool_WriteFile(const std::string& path, const std::string& bytes);
 // 'Tool_WriteAll()' - Write bytes to an open stream and flush it.
 bool Tool_WriteAll(FILE* stream, const std::string& bytes);
 
+// 'Tool_MakeDir()' - Make the directory dir (mode 0755) unless it exists;
+// a path that is not a directory (a symbolic link included) is refused.
+// False with *error ("cannot create DIR: reason" or "DIR is not a
+// directory").
+bool Tool_MakeDir(const std::string& dir, std::string* error);
+
 // 'Tool_ReadAll()' - Read a stream to its end into *out, at most maxBytes
 // bytes.  False on a read error or when the stream holds more (errno
 // EFBIG).

@@ -37,6 +37,16 @@ bool Tool_ParseModel(const std::string& text, uint32_t* model) {
   return false;
 }
 
+// 'Tool_ParsePreset()' - One digit, in range.
+bool Tool_ParsePreset(const char* text, int most, int* preset, std::string* error) {
+  if (text[0] >= '1' && text[0] < '1' + most && text[1] == '\0') {
+    *preset = text[0] - '0';
+    return true;
+  }
+  *error = std::string("--preset \"") + text + "\" is not 1 to " + std::to_string(most);
+  return false;
+}
+
 // 'Tool_SettingsModelName()' - The name of the default model.
 std::string Tool_SettingsModelName() { return Model_Default().name; }
 

@@ -17,6 +17,11 @@ void Tool_Init();
 // model's display name (any case), into *model; false for anything else.
 bool Tool_ParseModel(const std::string& text, uint32_t* model);
 
+// 'Tool_ParsePreset()' - The value of a tool's --preset option: one digit
+// from 1 to most (at most 9) into *preset; false with *error
+// ("--preset "TEXT" is not 1 to MOST") for anything else.
+bool Tool_ParsePreset(const char* text, int most, int* preset, std::string* error);
+
 // 'Tool_SettingsModelName()' - The model name of the settings file the
 // filter reads: the filter looks its settings up before it has settled the
 // queue's model, always under the name of the default model.

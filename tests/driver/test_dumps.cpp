@@ -4,13 +4,13 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "driver/dumps.h"
 #include "driver/printing_task.h"
 #include "log/log.h"
+#include "support/process.h"
 
 namespace {
 
@@ -26,22 +26,15 @@ class Dumps : public ::testing::Test {
     Log_SetOutputMask(0);
     Log_SetDepth(0);
   }
-  static std::vector<std::string> Lines(const std::string& text) {
-    std::vector<std::string> out;
-    std::istringstream in(text);
-    std::string line;
-    while (std::getline(in, line)) out.push_back(line);
-    return out;
-  }
   std::vector<std::string> Environment(TPrintingTask* task) {
     testing::internal::CaptureStderr();
     Job_DumpEnvironment(task);
-    return Lines(testing::internal::GetCapturedStderr());
+    return Test_Lines(testing::internal::GetCapturedStderr());
   }
   std::vector<std::string> Header(const cups_page_header2_t& h) {
     testing::internal::CaptureStderr();
     EXPECT_EQ(0, Page_DumpHeader(nullptr, &h));
-    return Lines(testing::internal::GetCapturedStderr());
+    return Test_Lines(testing::internal::GetCapturedStderr());
   }
 };
 

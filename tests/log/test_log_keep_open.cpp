@@ -36,14 +36,9 @@ void Line(const char* text) {
 
 // 'Messages()' - The lines of the file at path without their time stamps.
 std::string Messages(const std::string& path) {
-  std::string text = Test_ReadFile(path), out;
-  size_t start = 0;
-  while (start < text.size()) {
-    size_t end = text.find('\n', start);
-    if (end == std::string::npos) end = text.size();
-    if (end - start > 16) out += text.substr(start + 16, end - start - 16) + "|";
-    start = end + 1;
-  }
+  std::string out;
+  for (const std::string& line : Test_Lines(Test_ReadFile(path)))
+    if (line.size() > 16) out += line.substr(16) + "|";
   return out;
 }
 

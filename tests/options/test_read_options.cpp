@@ -10,8 +10,7 @@ TEST_F(ReadOptionsTest, WithoutPPDTheRecordHoldsItsDefaults) {
   s.cardThickness = 0;
   s.magPOMode = 5;
   s.plugin = "plugS";
-  SaveSettings(s, "NOPPD1");
-  UseSerial("NOPPD1");
+  UseSettings(s, "NOPPD1");
   setenv("PRINTER", "queue1", 1);
   Run("frontRibbon=Monochrome", "3");
   EXPECT_EQ(0, task_->ribbonType);
@@ -52,7 +51,6 @@ TEST_F(ReadOptionsTest, WithoutPPDTheRecordHoldsItsDefaults) {
   EXPECT_FALSE(Mentions("Command line PPD options"));
   EXPECT_FALSE(Mentions("magEncodeFormat"));
   EXPECT_TRUE(Logged("  cardEjectExisting::OPT::[NULL]"));
-  RemoveSettings("NOPPD1");
 }
 
 TEST_F(ReadOptionsTest, UnreadablePPDIsTheNoPPDCase) {
@@ -163,14 +161,12 @@ TEST_F(ReadOptionsTest, SettingsFileIsTheDefaultModelsEvenOnAnotherModel) {
   TBrellianSettings s;
   s.plugin = "fromDefault";
   s.cardThickness = 3;
-  SaveSettings(s, "SAME1");
-  UseSerial("SAME1");
+  UseSettings(s, "SAME1");
   UsePPD(GeneratedPPD(1030));
   Run("");
   EXPECT_EQ(1030, task_->printerModel);
   EXPECT_EQ("fromDefault", task_->printerPlugin);
   EXPECT_EQ(1, task_->cardThickness);     // settings 3: "Thin"
-  RemoveSettings("SAME1");
 }
 
 TEST_F(ReadOptionsTest, SerialThatWouldLeaveTheDirectoryIsRefused) {

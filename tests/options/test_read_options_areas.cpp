@@ -59,8 +59,7 @@ TEST_F(ReadOptionsTest, ResinPresetUsesTheSidesFlagByte) {
   s.resinAreas[2][0][0] = "1in 1in 1in 1in";
   s.resinAreas[2][1][2] = "5mm 5mm 50mm 30mm";
   s.resinAreas[0][0][0] = "2in 2in 2in 2in";
-  SaveSettings(s, "RESIN1");
-  UseSerial("RESIN1");
+  UseSettings(s, "RESIN1");
   UsePPD(GeneratedPPD(1060));
   Run("frontResin=Preset3 backResin=Preset1");
   EXPECT_EQ(40, task_->resinFlag[SIDE_FRONT]);
@@ -76,15 +75,13 @@ TEST_F(ReadOptionsTest, ResinPresetUsesTheSidesFlagByte) {
   EXPECT_TRUE(Logged("  Back resin: preset 1: (include)(2in 2in 2in 2in)(41)"));
   EXPECT_LT(Position("  Front resin: preset 3: (exclude)()(40)"),
             Position("  Back resin: preset 1: (include)(2in 2in 2in 2in)(41)"));
-  RemoveSettings("RESIN1");
 }
 
 TEST_F(ReadOptionsTest, OverlayPresetAreas) {
   TBrellianSettings s;
   s.poAreas[0][0][1] = "0 0 100px 100px";
   s.poAreas[9][1][0] = "1in 0in 1in 0.5in";
-  SaveSettings(s, "PO1");
-  UseSerial("PO1");
+  UseSettings(s, "PO1");
   UsePPD(GeneratedPPD(1030));
   Run("frontPO=Preset1 backPO=Preset10");
   ExpectArea(task_->poAreas[SIDE_FRONT][AREA_GROUP_PEELOFF][1], 0, 0, 100, 100);
@@ -92,7 +89,6 @@ TEST_F(ReadOptionsTest, OverlayPresetAreas) {
   EXPECT_TRUE(Logged("  Front peel-off: preset 1: (peel-off)(0 0 100px 100px)"));
   EXPECT_TRUE(Logged("  Back peel-off: preset 10: (keep)(1in 0in 1in 0.5in)"));
   EXPECT_TRUE(Logged("Parse area: (1in 0in 1in 0.5in)(300) --> (300,0)(300,150)"));
-  RemoveSettings("PO1");
 }
 
 TEST_F(ReadOptionsTest, WithoutSerialPresetsAreEmpty) {

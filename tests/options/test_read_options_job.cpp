@@ -82,8 +82,7 @@ TEST_F(ReadOptionsTest, MagPOModeFromKeywordOrSettings) {
 TEST_F(ReadOptionsTest, PluginFromChoiceOrSettings) {
   TBrellianSettings s;
   s.plugin = "stored";
-  SaveSettings(s, "PLUG1");
-  UseSerial("PLUG1");
+  UseSettings(s, "PLUG1");
   UsePPD(GeneratedPPD(1060));
   Run("");
   EXPECT_EQ("stored", task_->printerPlugin);
@@ -94,7 +93,6 @@ TEST_F(ReadOptionsTest, PluginFromChoiceOrSettings) {
   UsePPD(FixturePPD("odd-model.ppd"));
   Run("");
   EXPECT_EQ("Acme", task_->printerPlugin);
-  RemoveSettings("PLUG1");
 }
 
 TEST_F(ReadOptionsTest, PrinterNameFromTheEnvironment) {

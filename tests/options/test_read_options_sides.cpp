@@ -51,14 +51,12 @@ TEST_F(ReadOptionsTest, PerSideChoices) {
 TEST_F(ReadOptionsTest, UVPresetWithoutFileNameIsCleared) {
   TBrellianSettings s;
   s.uvNames[0] = "one.png";
-  SaveSettings(s, "UV1");
-  UseSerial("UV1");
+  UseSettings(s, "UV1");
   UsePPD(GeneratedPPD(1060));
   Run("frontUV=Preset3");
   EXPECT_EQ(0, task_->frontUV);
   EXPECT_EQ("", task_->frontUVFile);
   EXPECT_EQ(Position("  frontUV::[Preset3]") + 1, Position("  frontUV: clear preset (file not defined)"));
-  RemoveSettings("UV1");
 }
 
 TEST_F(ReadOptionsTest, UVPresetFileFoundOrNot) {
@@ -66,8 +64,7 @@ TEST_F(ReadOptionsTest, UVPresetFileFoundOrNot) {
   s.uvNames[0] = "logo.png";
   s.uvNames[1] = "missing.png";
   s.uvNames[2] = "../escape.png";
-  SaveSettings(s, "UV2");
-  UseSerial("UV2");
+  UseSettings(s, "UV2");
   Test_MakeDirs(std::string(BRELLIAN_CONF_DIR) + "/uv");
   Test_WriteFile(UVPath("logo.png"), "png");
   Test_WriteFile(std::string(BRELLIAN_CONF_DIR) + "/escape.png", "png");
@@ -83,7 +80,6 @@ TEST_F(ReadOptionsTest, UVPresetFileFoundOrNot) {
   Run("backUV=Preset3");
   EXPECT_EQ(0, task_->backUV);
   EXPECT_TRUE(Logged("  backUV: clear preset (file not found)(" + UVPath("../escape.png") + ")"));
-  RemoveSettings("UV2");
 }
 
 TEST_F(ReadOptionsTest, BackLookupTableIsNotReadOn1030) {
@@ -100,8 +96,7 @@ TEST_F(ReadOptionsTest, BackLookupTableIsNotReadOn1030) {
 TEST_F(ReadOptionsTest, LookupTableFileIsLoaded) {
   TBrellianSettings s;
   s.lutNames[1] = "warm";
-  SaveSettings(s, "LUT1");
-  UseSerial("LUT1");
+  UseSettings(s, "LUT1");
   Test_MakeDirs(BRELLIAN_LUT_DIR);
   std::string example = Test_ReadFile(std::string(BRELLIAN_SOURCE_DIR) + "/docs/examples/lut-warm.csv");
   ASSERT_FALSE(example.empty());
@@ -116,7 +111,6 @@ TEST_F(ReadOptionsTest, LookupTableFileIsLoaded) {
   EXPECT_EQ(0, memcmp(expected, task_->lutTable[SIDE_BACK], sizeof expected));
   EXPECT_TRUE(IsIdentity(task_->lutTable[SIDE_FRONT]));
   EXPECT_FALSE(Mentions("LUT Table"));
-  RemoveSettings("LUT1");
   unlink(LUTPath("warm").c_str());
 }
 
@@ -125,8 +119,7 @@ TEST_F(ReadOptionsTest, MissingOrUnusableLookupTableFallsBackToFirmware) {
   s.lutNames[0] = "absent";
   s.lutNames[1] = "broken";
   s.lutNames[2] = "../lut/broken";
-  SaveSettings(s, "LUT2");
-  UseSerial("LUT2");
+  UseSettings(s, "LUT2");
   Test_MakeDirs(BRELLIAN_LUT_DIR);
   unlink(LUTPath("absent").c_str());
   Test_WriteFile(LUTPath("broken"), "level,red,green,blue\n0,0,0,0\n1,1,1\n");
@@ -141,7 +134,6 @@ TEST_F(ReadOptionsTest, MissingOrUnusableLookupTableFallsBackToFirmware) {
   Run("frontLUTTable=LUT3");
   EXPECT_EQ(0, task_->frontLUTTable);
   EXPECT_TRUE(LoggedError("  LUT Table not found: (" + LUTPath("../lut/broken") + ")"));
-  RemoveSettings("LUT2");
   unlink(LUTPath("broken").c_str());
 }
 

@@ -1,7 +1,6 @@
 """Test harness of brellian-printer-app: a private server, IPP jobs through ipptool, web forms, stream comparison."""
 # Copyright 2026 The rastertobrellian authors.
 import atexit
-import html.parser
 import os
 import re
 import shutil
@@ -11,7 +10,7 @@ import struct
 import subprocess
 import tempfile
 import time
-import urllib.parse
+import unittest
 import uuid
 
 HERE = os.path.dirname(os.path.abspath(__file__))
@@ -26,8 +25,9 @@ from stream_records import (ICMD_ENDCARD, ICMD_HEADER_BYTES, ICMD_IMAGE, ICMD_LU
                             ICMD_STARTIMAGE, ICMD_STARTJOB, ICMD_STARTSIDE, PANEL_COLOR, PANEL_K, PANEL_PO, PANEL_UV,
                             STARTIMAGE_PANEL, lut_payloads, mask_card_ids, panel_data, panel_types, record_types,
                             records)
-
-
+# So do the HTTP, form and IPP request helpers of app_http.py.
+from app_http import (FormParser, dechunk, http_complete, http_request, http_request_bytes, ipp_encode,  # noqa: E402,F401
+                      ipp_request, parse_page, post_form)
 
 
 def free_port():
@@ -37,11 +37,41 @@ def free_port():
         return s.getsockname()[1]
 
 
+def write_bytes(path, data):
+    """Write data to the file at path; the path."""
+    with open(path, "wb") as f:
+        f.write(data)
+    return path
+
+
+def stop_process(proc):
+    """End a server process as its service manager would: SIGTERM, then up to 20 s, then SIGKILL."""
+    proc.send_signal(signal.SIGTERM)
+    try:
+        proc.wait(timeout=20)
+    except subprocess.TimeoutExpired:
+        proc.kill()
+        proc.wait()
+
+
+def wait_for_port(port, seconds=20):
+    """Whether something accepts connections on the loopback port within the given seconds."""
+    deadline = time.time() + seconds
+    while time.time() < deadline:
+        try:
+            with socket.create_connection(("127.0.0.1", port), timeout=1):
+                return True
+        except OSError:
+            time.sleep(0.1)
+    return False
+
+
 class AppServer:
     """One brellian-printer-app server in a temporary directory, with file: devices."""
 
-    def __init__(self, build, filter_path=None):
+    def __init__(self, build, filter_path=None, tls=False):
         self.build = build
+        self.tls = tls  # TLS on, as the shipped unit runs the server
         self.app = os.path.join(build, "app", "brellian-printer-app")
         self.filter = os.path.join(build, "rastertobrellian")
         self.tmp = tempfile.mkdtemp(prefix="brellian-app-")
@@ -64,19 +94,13 @@ class AppServer:
         """Start the server and wait until it answers."""
         args = [self.app, "server", "-o", "server-port=%d" % self.port, "-o", "listen-hostname=localhost",
                 "-o", "spool-directory=" + os.path.join(self.tmp, "spool"), "-o", "log-file=" + self.log,
-                "-o", "log-level=debug", "-o", "server-options=no-tls"]
+                "-o", "log-level=debug"] + ([] if self.tls else ["-o", "server-options=no-tls"])
         os.makedirs(os.path.join(self.tmp, "spool"), exist_ok=True)
         self.errfile = open(os.path.join(self.tmp, "server.stderr"), "ab")
         self.proc = subprocess.Popen(args, env=self.env, stdout=subprocess.DEVNULL, stderr=self.errfile)
         atexit.register(self.kill_if_running)  # also when a class set-up fails before its tear-down
-        deadline = time.time() + 20
-        while time.time() < deadline:
-            try:
-                with socket.create_connection(("127.0.0.1", self.port), timeout=1):
-                    return
-            except OSError:
-                time.sleep(0.1)
-        raise RuntimeError("the server did not start")
+        if not wait_for_port(self.port):
+            raise RuntimeError("the server did not start")
 
     def kill_if_running(self):
         if self.proc and self.proc.poll() is None:
@@ -91,12 +115,7 @@ class AppServer:
     def stop(self, keep=False):
         """Stop the server (SIGTERM, then wait) and remove the directory unless asked to keep it."""
         if self.proc:
-            self.proc.send_signal(signal.SIGTERM)
-            try:
-                self.proc.wait(timeout=20)
-            except subprocess.TimeoutExpired:
-                self.proc.kill()
-                self.proc.wait()
+            stop_process(self.proc)
             self.proc = None
             self.errfile.close()
         with open(os.path.join(self.tmp, "server.stderr"), errors="replace") as f:
@@ -121,16 +140,19 @@ class AppServer:
             raise RuntimeError("ipptool failed: " + r.stdout[-2000:] + r.stderr[-500:])
         return r.stdout.split("RECEIVED:", 1)[-1]
 
-    def add_printer(self, name, driver):
+    def add_printer(self, name, driver, device_uri=None):
         """Add a printer (IPP Create-Printer) whose device is a directory of .brj files; the directory.
+        With device_uri, that device instead (and None).
         IPP and not the client sub-commands: those reach whichever server owns the machine's local socket."""
-        out = os.path.join(self.tmp, "out-" + name)
-        os.makedirs(out)
+        out = None if device_uri else os.path.join(self.tmp, "out-" + name)
+        if out:
+            os.makedirs(out)
         self.system_op(["OPERATION Create-Printer", "GROUP operation-attributes-tag",
                         "ATTR charset attributes-charset utf-8", "ATTR language attributes-natural-language en",
                         "ATTR uri system-uri $uri", "ATTR name requesting-user-name tester",
                         "ATTR keyword printer-service-type print", "ATTR keyword smi55357-driver " + driver,
-                        "ATTR uri smi55357-device-uri file://%s?ext=brj" % out, "GROUP printer-attributes-tag",
+                        "ATTR uri smi55357-device-uri " + (device_uri or "file://%s?ext=brj" % out),
+                        "GROUP printer-attributes-tag",
                         "ATTR name printer-name " + name, "STATUS successful-ok"])
         return out
 
@@ -224,6 +246,17 @@ def ipp_print(server, printer, document, fmt, job_name, attrs=(), cancel_after=N
     return attrs_out
 
 
+def job_log_lines(server, job_ids, most=80):
+    """The server log's lines about the given jobs (the last `most` of them), to explain a failed job."""
+    marks = tuple("[Job %s]" % j for j in job_ids)
+    try:
+        with open(server.log, errors="replace") as f:
+            lines = [line.rstrip() for line in f if line.startswith(("E ", "W ", "I ")) and any(m in line for m in marks)]
+    except OSError as e:
+        return "no server log: %s" % e
+    return "server log of jobs %s:\n%s" % (", ".join(job_ids), "\n".join(lines[-most:]))
+
+
 def run_ipptool_test(server, printer, test, document=None, fmt=None):
     """One of CUPS' own ipptool tests against a printer; the completed process."""
     args = ["ipptool", "-t"]
@@ -246,71 +279,80 @@ def run_filter(filter_path, build, ppd, raster, job_id, title, options, printer,
     return r.stdout, r.stderr.decode("utf-8", "replace"), r.returncode
 
 
-def start_presets_printer(name, serial_prefix):
-    """The start-up of the presets tests: a server with one 1060 printer, a
-    UV ribbon and a flip-turn unit and a random serial number set on its
-    Device settings page, and a 600 dpi PWG card.  Returns (server, device
-    output directory, raster, serial, settings file)."""
+def start_server(printers):
+    """A started server with the printers added, given as (name, driver)
+    pairs; (server, {name: device output directory})."""
     server = AppServer(BUILD)
     server.start()
-    out = server.add_printer(name, "brellian_1060")
-    raster = os.path.join(server.tmp, "card.pwg")
-    subprocess.run([os.path.join(TOOLS, "brellian-rasterwrite"), "--pwg", "-r", "600", "-W", "2072", "-H", "1328",
-                    "-o", raster, "pattern"], check=True)
-    serial = "%s%06x" % (serial_prefix, uuid.uuid4().int & 0xFFFFFF)
-    status, body = http_request(server, "GET", "/%s/device" % name)
-    forms, _ = parse_page(body)
-    status, text = post_form(server, "/%s/device" % name, forms[0],
-                             {"serial": serial, "ribbon-type": "YMCK-UV", "flip-turn": "on"})
-    assert "Device settings saved." in text, text
-    settings_file = os.path.join(SETTINGS_DIR, "brellian_br-1060_%s.dat" % serial.lower())
-    return server, out, raster, serial, settings_file
+    return server, {name: server.add_printer(name, driver) for name, driver in printers}
 
 
-def stop_presets_printer(server, paths):
-    """Stop the server (kept when BRELLIAN_KEEP_TEST_DIR=1) and remove the
-    preset files a test left in the build's system tree."""
-    server.stop(keep=os.environ.get("BRELLIAN_KEEP_TEST_DIR") == "1")
-    for path in paths:
-        if os.path.exists(path):
-            os.unlink(path)
+def set_device(server, printer, changes, source=None):
+    """Post the printer's Device settings form with some fields changed (None
+    unchecks a box); (status, page text)."""
+    status, body = http_request(server, "GET", "/%s/device" % printer, source=source)
+    return post_form(server, "/%s/device" % printer, parse_page(body)[0][0], changes, source=source)
 
 
-class FormParser(html.parser.HTMLParser):
-    """The forms of a page: action, enctype and the inputs with their values; and the page's text."""
+def settings_path(model, serial):
+    """The settings file of a printer of the model (1030, 1035, 1060) with the
+    serial number, in the build's system tree."""
+    return os.path.join(SETTINGS_DIR, "brellian_br-%s_%s.dat" % (model, serial.lower()))
 
-    def __init__(self):
-        super().__init__()
-        self.forms, self.text = [], []
-        self.select = None
 
-    def handle_starttag(self, tag, attrs):
-        a = dict(attrs)
-        if tag == "form":
-            self.forms.append({"action": a.get("action", ""), "enctype": a.get("enctype", ""), "fields": {}})
-        elif tag == "option" and self.select and self.forms:
-            fields = self.forms[-1]["fields"]
-            value = a.get("value")
-            if "selected" in a or self.select not in fields:
-                fields[self.select] = value if value is not None else "?"
-                self.pending = value is None
-        elif tag in ("input", "textarea") and self.forms and a.get("name"):
-            if a.get("type") == "checkbox" and "checked" not in a:
-                return
-            self.forms[-1]["fields"][a["name"]] = a.get("value", "")
+def print_to_device(server, printer, out, document, job_name, attrs=(), fmt="image/pwg-raster"):
+    """Print a document, check that the job completed, and return what the
+    printer's file: device (directory out) received for it."""
+    job = ipp_print(server, printer, document, fmt, job_name, attrs)
+    if job.get("job-state") != "completed":
+        raise AssertionError("the job %s did not complete: %r" % (job_name, job))
+    with open(os.path.join(out, job_name + ".brj"), "rb") as f:
+        return f.read()
 
-        if tag == "select":
-            self.select = a.get("name")
 
-    def handle_endtag(self, tag):
-        if tag == "select":
-            self.select = None
+class PresetsPrinterTest(unittest.TestCase):
+    """The start-up of the presets tests: a server with one 1060 printer
+    (PRINTER), a UV ribbon, a flip-turn unit and a random serial number
+    (starting with SERIAL_PREFIX) set on its Device settings page, and a
+    600 dpi PWG card (cls.raster).  cls.out is the device's directory,
+    cls.settings_file the printer's settings file; left_files() names the
+    preset files a test class leaves in the build's system tree, removed
+    with the settings file at the end (the server's directory is kept when
+    BRELLIAN_KEEP_TEST_DIR=1)."""
 
-    def handle_data(self, data):
-        if getattr(self, "pending", False) and self.select and self.forms:
-            self.forms[-1]["fields"][self.select] = data.strip()
-            self.pending = False
-        self.text.append(data)
+    PRINTER, SERIAL_PREFIX = None, None
+
+    @classmethod
+    def setUpClass(cls):
+        cls.server, outs = start_server([(cls.PRINTER, "brellian_1060")])
+        cls.out = outs[cls.PRINTER]
+        cls.raster = os.path.join(cls.server.tmp, "card.pwg")
+        subprocess.run([os.path.join(TOOLS, "brellian-rasterwrite"), "--pwg", "-r", "600", "-W", "2072", "-H", "1328",
+                        "-o", cls.raster, "pattern"], check=True)
+        cls.serial = "%s%06x" % (cls.SERIAL_PREFIX, uuid.uuid4().int & 0xFFFFFF)
+        status, text = set_device(cls.server, cls.PRINTER,
+                                  {"serial": cls.serial, "ribbon-type": "YMCK-UV", "flip-turn": "on"})
+        assert "Device settings saved." in text, text
+        cls.settings_file = settings_path(1060, cls.serial)
+        cls.jobs = 0
+
+    @classmethod
+    def left_files(cls):
+        """The preset files the suite leaves in the build's system tree (none here)."""
+        return []
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.server.stop(keep=os.environ.get("BRELLIAN_KEEP_TEST_DIR") == "1")
+        for path in [cls.settings_file] + cls.left_files():
+            if os.path.exists(path):
+                os.unlink(path)
+
+    def print_card(self, attrs):
+        """Print the card with the job attributes; what the device received."""
+        type(self).jobs += 1
+        return print_to_device(self.server, self.PRINTER, self.out, self.raster,
+                               "%s-%d" % (self.PRINTER, self.jobs), attrs)
 
 
 def png_rgb(width, height, pixel):
@@ -327,138 +369,3 @@ def png_rgb(width, height, pixel):
 def lut_csv(fn):
     """A lookup table CSV whose entry i of each channel is fn(i)."""
     return "level,red,green,blue\n" + "".join("%d,%d,%d,%d\n" % (i, fn(i), fn(i), fn(i)) for i in range(256))
-
-
-def parse_page(body):
-    p = FormParser()
-    p.feed(body)
-    return p.forms, " ".join(" ".join(p.text).split())
-
-
-def dechunk(rest):
-    """The body of a chunked HTTP response, or None while it is incomplete."""
-    out = b""
-    while True:
-        size_line, sep, rest = rest.partition(b"\r\n")
-        if not sep:
-            return None
-        size = int(size_line.split(b";")[0] or b"0", 16)
-        if size == 0:
-            return out
-        if len(rest) < size + 2:
-            return None
-        out += rest[:size]
-        rest = rest[size + 2:]
-
-
-def http_complete(data):
-    """Whether a whole HTTP response has arrived (the server keeps the connection open)."""
-    head, sep, rest = data.partition(b"\r\n\r\n")
-    if not sep:
-        return False
-    lower = head.lower()
-    if b"transfer-encoding: chunked" in lower:
-        return dechunk(rest) is not None
-    m = re.search(rb"content-length: *(\d+)", lower)
-    return m is not None and len(rest) >= int(m.group(1))
-
-
-def http_request(server, method, path, body=b"", headers=None, source=None):
-    """One HTTP request over a plain socket (optionally from a given loopback source address); (status, text)."""
-    status, rest = http_request_bytes(server, method, path, body, headers, source)
-    return status, rest.decode("utf-8", "replace")
-
-
-def post_form(server, path, form, changes, files=None, source=None, headers=None):
-    """Post a page's form with some fields changed (and files attached); (status, page text)."""
-    extra_headers = headers
-    fields = dict(form["fields"])
-    fields.update(changes)
-    fields = {k: v for k, v in fields.items() if v is not None}  # None unchecks a box
-    if files is None and form["enctype"] != "multipart/form-data":
-        body = urllib.parse.urlencode(fields).encode()
-        headers = {"Content-Type": "application/x-www-form-urlencoded"}
-    else:
-        boundary = "----brellian" + uuid.uuid4().hex
-        parts = []
-        for k, v in fields.items():
-            parts.append(("--%s\r\nContent-Disposition: form-data; name=\"%s\"\r\n\r\n" % (boundary, k)).encode()
-                         + v.encode() + b"\r\n")
-        for k, (fname, data, ctype) in (files or {}).items():
-            parts.append(("--%s\r\nContent-Disposition: form-data; name=\"%s\"; filename=\"%s\"\r\n"
-                          "Content-Type: %s\r\n\r\n" % (boundary, k, fname, ctype)).encode() + data + b"\r\n")
-        body = b"".join(parts) + ("--%s--\r\n" % boundary).encode()
-        headers = {"Content-Type": "multipart/form-data; boundary=" + boundary}
-    headers.update(extra_headers or {})
-    status, text = http_request(server, "POST", path, body, headers, source)
-    return status, parse_page(text)[1]
-
-
-IPP_TAGS = {"charset": 0x47, "language": 0x48, "uri": 0x45, "name": 0x42, "text": 0x41, "keyword": 0x44,
-            "integer": 0x21, "boolean": 0x22, "enum": 0x23, "mimeMediaType": 0x49}
-IPP_GROUPS = {"operation": 0x01, "job": 0x02, "printer": 0x04, "system": 0x0a}
-
-
-def ipp_encode(op, groups, request_id=1):
-    """An IPP/2.0 request: groups is [(group, [(syntax, name, value), ...]), ...]."""
-    out = struct.pack(">BBHI", 2, 0, op, request_id)
-    for group, attrs in groups:
-        out += bytes([IPP_GROUPS[group]])
-        for syntax, name, value in attrs:
-            if syntax in ("integer", "enum"):
-                data = struct.pack(">i", value)
-            elif syntax == "boolean":
-                data = bytes([1 if value else 0])
-            else:
-                data = value.encode()
-            out += struct.pack(">BH", IPP_TAGS[syntax], len(name)) + name.encode() + struct.pack(">H", len(data)) + data
-    return out + b"\x03"
-
-
-def ipp_request(server, path, op, groups, source=None, headers=None, document=b""):
-    """One IPP request over HTTP (optionally from another source address); (HTTP status, IPP status or None).
-    Operation attributes charset and language come first by themselves."""
-    ops = [("charset", "attributes-charset", "utf-8"), ("language", "attributes-natural-language", "en")]
-    groups = list(groups)
-    if groups and groups[0][0] == "operation":
-        groups[0] = ("operation", ops + list(groups[0][1]))
-    else:
-        groups.insert(0, ("operation", ops))
-    body = ipp_encode(op, groups) + document
-    hdrs = {"Content-Type": "application/ipp"}
-    hdrs.update(headers or {})
-    status, head_body = http_request_bytes(server, "POST", path, body, hdrs, source)
-    if status != 200 or len(head_body) < 4:
-        return status, None
-    return status, struct.unpack(">H", head_body[2:4])[0]
-
-
-def http_request_bytes(server, method, path, body=b"", headers=None, source=None):
-    """Like http_request, the body as bytes; (status, body)."""
-    headers = dict(headers or {})
-    headers.setdefault("Host", "localhost:%d" % server.port)
-    headers["Content-Length"] = str(len(body))
-    headers["Connection"] = "close"
-    req = "%s %s HTTP/1.1\r\n" % (method, path) + "".join("%s: %s\r\n" % kv for kv in headers.items()) + "\r\n"
-    s = socket.socket()
-    s.settimeout(60)
-    if source:
-        s.bind((source, 0))
-    s.connect(("127.0.0.1", server.port))
-    s.sendall(req.encode() + body)
-    data = b""
-    while True:
-        try:
-            chunk = s.recv(65536)
-        except ConnectionResetError:
-            break
-        if chunk:
-            data += chunk
-        if http_complete(data) or not chunk:
-            break
-    s.close()
-    head, _, rest = data.partition(b"\r\n\r\n")
-    status = int(head.split(b" ")[1])
-    if b"transfer-encoding: chunked" in head.lower():
-        rest = dechunk(rest) or b""
-    return status, rest

@@ -11,7 +11,7 @@ import unittest
 
 import app_harness as h
 
-BUILD = os.environ.get("BRELLIAN_BUILD_DIR", os.path.join(os.path.dirname(__file__), "..", "..", "build-test"))
+BUILD = h.BUILD
 OTHER = "127.0.0.2"
 
 # IPP operation codes.
@@ -31,10 +31,7 @@ class AccessTest(unittest.TestCase):
 
     @classmethod
     def setUpClass(cls):
-        cls.server = h.AppServer(BUILD)
-        cls.server.start()
-        cls.server.add_printer("acc", "brellian_1060")
-        cls.server.add_printer("victim", "brellian_1030")
+        cls.server, _ = h.start_server([("acc", "brellian_1060"), ("victim", "brellian_1030")])
 
     @classmethod
     def tearDownClass(cls):

@@ -138,9 +138,7 @@ class AppJobsTest(unittest.TestCase):
     def test_raw_job_stream_copies(self):
         job = self.print_job("card30", self.pwg300, "image/pwg-raster", "forrawcopies30")
         stream = self.device_output("card30", "forrawcopies30")
-        raw = os.path.join(self.server.tmp, "copies.brj")
-        with open(raw, "wb") as f:
-            f.write(stream)
+        raw = h.write_bytes(os.path.join(self.server.tmp, "copies.brj"), stream)
         job = self.print_job("card30", raw, "application/vnd.brellian-job", "rawcopies30", copies=3)
         self.assertEqual(job["job-state"], "completed", job)
         self.assertEqual(self.device_output("card30", "rawcopies30"), stream * 3)
@@ -259,7 +257,8 @@ class AppJobsTest(unittest.TestCase):
         with concurrent.futures.ThreadPoolExecutor(max_workers=20) as pool:
             jobs = list(pool.map(submit, range(20)))
         states = sorted(set((j["job-state"], j["job-state-message"]) for j in jobs))
-        self.assertEqual(states, [("completed", "1 card printed.")])
+        failed = [str(j.get("job-id")) for j in jobs if j["job-state"] != "completed"]
+        self.assertEqual(states, [("completed", "1 card printed.")], h.job_log_lines(self.server, failed))
         for i in range(20):
             self.assertGreater(os.path.getsize(os.path.join(self.out["card30"], "crowd%02d.brj" % i)), 1000)
 

@@ -15,7 +15,7 @@ import unittest
 
 import app_harness as h
 
-BUILD = os.environ.get("BRELLIAN_BUILD_DIR", os.path.join(os.path.dirname(__file__), "..", "..", "build-test"))
+BUILD = h.BUILD
 SOURCE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..")
 RASTERWRITE = os.path.join(BUILD, "tools", "brellian-rasterwrite")
 STOCK = "/usr/share/cups/ipptool"
@@ -72,9 +72,7 @@ class AppSystemTest(unittest.TestCase):
 
     @classmethod
     def setUpClass(cls):
-        cls.server = h.AppServer(BUILD)
-        cls.server.start()
-        cls.out = {name: cls.server.add_printer(name, driver) for name, driver, _ in MODELS}
+        cls.server, cls.out = h.start_server([(name, driver) for name, driver, _ in MODELS])
 
     @classmethod
     def tearDownClass(cls):

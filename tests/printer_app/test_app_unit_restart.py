@@ -5,16 +5,13 @@ import os
 import random
 import shlex
 import shutil
-import signal
-import socket
 import subprocess
 import tempfile
-import time
 import unittest
 
 import app_harness as h
 
-BUILD = os.environ.get("BRELLIAN_BUILD_DIR", os.path.join(os.path.dirname(__file__), "..", "..", "build-test"))
+BUILD = h.BUILD
 UNIT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "packaging", "brellian-printer-app.service")
 
 
@@ -71,24 +68,13 @@ class UnitServer:
                       " ".join(shlex.quote(a) for a in unit_server_args(self.port))))
         self.proc = subprocess.Popen(["unshare", "--mount", "--propagation", "private", "sh", "-c", script],
                                      env=self.env, stdout=subprocess.DEVNULL, stderr=self.errfile)
-        deadline = time.time() + 20
-        while time.time() < deadline:
-            try:
-                with socket.create_connection(("127.0.0.1", self.port), timeout=1):
-                    return
-            except OSError:
-                time.sleep(0.1)
-        with open(root_log(self.root), errors="replace") as f:
-            raise RuntimeError("the server did not start:\n" + f.read()[-2000:])
+        if not h.wait_for_port(self.port):
+            with open(root_log(self.root), errors="replace") as f:
+                raise RuntimeError("the server did not start:\n" + f.read()[-2000:])
 
     def stop(self):
         if self.proc and self.proc.poll() is None:
-            self.proc.send_signal(signal.SIGTERM)
-            try:
-                self.proc.wait(timeout=20)
-            except subprocess.TimeoutExpired:
-                self.proc.kill()
-                self.proc.wait()
+            h.stop_process(self.proc)
             self.errfile.close()
 
     def cli(self, *args):
@@ -110,7 +96,7 @@ class UnitRestartTest(unittest.TestCase):
         # The harness's helpers need only a port, a directory and a URI.
         server.tmp, server.uri = root, (lambda p: "ipp://localhost:%d/ipp/print/%s" % (server.port, p))
         serial = "U%06x" % random.randrange(1 << 24)
-        settings = os.path.join(BUILD, "sysroot", "etc", "brellian", "settings", "brellian_br-1060_%s.dat" % serial.lower())
+        settings = h.settings_path(1060, serial)
         try:
             server.start()
             out = os.path.join(root, "out")
@@ -125,9 +111,7 @@ class UnitRestartTest(unittest.TestCase):
                         "ATTR keyword brellian-front-ribbon-default grayscale\nSTATUS successful-ok\n}\n")
             r = subprocess.run(["ipptool", "-t", server.uri("cards"), test], capture_output=True, text=True)
             self.assertEqual(r.returncode, 0, r.stdout)
-            status, body = h.http_request(server, "GET", "/cards/device")
-            status, text = h.post_form(server, "/cards/device", h.parse_page(body)[0][0],
-                                       {"serial": serial, "ribbon-type": "YMCK-UV", "laminator": "on"})
+            status, text = h.set_device(server, "cards", {"serial": serial, "ribbon-type": "YMCK-UV", "laminator": "on"})
             self.assertIn("Device settings saved.", text)
             status, body = h.http_request(server, "GET", "/cards/presets")
             form = next(f for f in h.parse_page(body)[0] if f["fields"].get("action") == "settings")

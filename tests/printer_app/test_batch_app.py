@@ -8,8 +8,7 @@ import unittest
 
 import app_harness as h
 
-BUILD = os.environ.get("BRELLIAN_BUILD_DIR", os.path.join(os.path.dirname(__file__), "..", "..", "build-test"))
-TOOLS = os.path.join(BUILD, "tools")
+BUILD, TOOLS = h.BUILD, h.TOOLS
 CARDS = 20
 ICMD_MAGENCODE, ICMD_STARTIMAGE, ICMD_IMAGE = 5, 8, 10
 
@@ -67,12 +66,9 @@ class BatchAppTest(unittest.TestCase):
 
     @classmethod
     def setUpClass(cls):
-        cls.server = h.AppServer(BUILD)
-        cls.server.start()
-        cls.out = cls.server.add_printer("card30", "brellian_1030")
-        status, body = h.http_request(cls.server, "GET", "/card30/device")
-        forms, _ = h.parse_page(body)
-        status, text = h.post_form(cls.server, "/card30/device", forms[0], {"mag-encoder": "on"})
+        cls.server, outs = h.start_server([("card30", "brellian_1030")])
+        cls.out = outs["card30"]
+        status, text = h.set_device(cls.server, "card30", {"mag-encoder": "on"})
         if "Device settings saved." not in text:
             raise AssertionError("the magnetic encoder could not be set: " + text[-2000:])
 

@@ -11,7 +11,7 @@ import unittest
 import app_harness as h
 import private_cupsd
 
-BUILD = os.environ.get("BRELLIAN_BUILD_DIR", os.path.join(os.path.dirname(__file__), "..", "..", "build-test"))
+BUILD = h.BUILD
 MM = 600 / 25.4  # dots per millimetre of the 1060
 
 
@@ -93,9 +93,8 @@ class DriverlessQueueTest(unittest.TestCase):
 
     @classmethod
     def setUpClass(cls):
-        cls.server = h.AppServer(BUILD)
-        cls.server.start()
-        cls.out = cls.server.add_printer("card60", "brellian_1060")
+        cls.server, outs = h.start_server([("card60", "brellian_1060")])
+        cls.out = outs["card60"]
         cls.cups = private_cupsd.PrivateCupsd(os.path.join(cls.server.tmp, "cups"))
         cls.cups.start()
         r = cls.cups.run("lpadmin", "-p", "cards", "-E", "-v", cls.server.uri("card60"), "-m", "everywhere")

@@ -23,18 +23,17 @@ def install_driver():
                    timeout=300)
 
 
-class PresetsBrowserTest(unittest.TestCase):
+class PresetsBrowserTest(h.PresetsPrinterTest):
+    PRINTER, SERIAL_PREFIX = "browser60", "B"
 
     @classmethod
     def setUpClass(cls):
         install_driver()
-        cls.server, cls.out, cls.raster, cls.serial, cls.settings_file = h.start_presets_printer("browser60", "B")
-        cls.jobs = 0
+        super().setUpClass()
 
     @classmethod
-    def tearDownClass(cls):
-        h.stop_presets_printer(cls.server, (cls.settings_file, os.path.join(h.CONF_DIR, "uv", cls.serial + ".uv"),
-                                            os.path.join(h.CONF_DIR, "lut", cls.serial + ".csv")))
+    def left_files(cls):
+        return [os.path.join(h.CONF_DIR, "uv", cls.serial + ".uv"), os.path.join(h.CONF_DIR, "lut", cls.serial + ".csv")]
 
     def browse(self, steps, shot):
         steps_file = os.path.join(self.server.tmp, "steps.json")
@@ -49,14 +48,6 @@ class PresetsBrowserTest(unittest.TestCase):
         out = json.loads(r.stdout)
         self.page_seen = out["page"]
         return out["results"]
-
-    def print_card(self, attrs):
-        type(self).jobs += 1
-        name = "browser-%d" % self.jobs
-        job = h.ipp_print(self.server, "browser60", self.raster, "image/pwg-raster", name, attrs)
-        self.assertEqual(job["job-state"], "completed", job)
-        with open(os.path.join(self.out, name + ".brj"), "rb") as f:
-            return f.read()
 
     def settings_bytes(self):
         with open(self.settings_file, "rb") as f:

@@ -7,7 +7,7 @@ import unittest
 
 import app_harness as h
 
-BUILD = os.environ.get("BRELLIAN_BUILD_DIR", os.path.join(os.path.dirname(__file__), "..", "..", "build-test"))
+BUILD = h.BUILD
 UV_DIR = os.path.join(BUILD, "sysroot", "etc", "brellian", "uv")
 MIB = 1024 * 1024
 
@@ -16,13 +16,9 @@ class PresetsLimitsTest(unittest.TestCase):
 
     @classmethod
     def setUpClass(cls):
-        cls.server = h.AppServer(BUILD)
-        cls.server.start()
-        cls.server.add_printer("lim", "brellian_1060")
+        cls.server, _ = h.start_server([("lim", "brellian_1060")])
         cls.serial = "L%06x" % random.randrange(1 << 24)
-        status, body = h.http_request(cls.server, "GET", "/lim/device")
-        status, text = h.post_form(cls.server, "/lim/device", h.parse_page(body)[0][0],
-                                   {"serial": cls.serial, "ribbon-type": "YMCK-UV"})
+        status, text = h.set_device(cls.server, "lim", {"serial": cls.serial, "ribbon-type": "YMCK-UV"})
         assert "Device settings saved." in text, text
         cls.made = []
 
@@ -33,8 +29,7 @@ class PresetsLimitsTest(unittest.TestCase):
             path = os.path.join(UV_DIR, name)
             if os.path.exists(path):
                 os.unlink(path)
-        settings = os.path.join(BUILD, "sysroot", "etc", "brellian", "settings",
-                                "brellian_br-1060_%s.dat" % cls.serial.lower())
+        settings = h.settings_path(1060, cls.serial)
         if os.path.exists(settings):
             os.unlink(settings)
 

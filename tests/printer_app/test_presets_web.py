@@ -10,18 +10,13 @@ BUILD, TOOLS = h.BUILD, h.TOOLS
 panel_types, panel_data, lut_payloads = h.panel_types, h.panel_data, h.lut_payloads
 
 
-class PresetsWebTest(unittest.TestCase):
+class PresetsWebTest(h.PresetsPrinterTest):
     """One 1060 printer with a UV ribbon; its presets changed through the page, jobs printed after each change."""
+    PRINTER, SERIAL_PREFIX = "web60", "W"
 
     @classmethod
-    def setUpClass(cls):
-        cls.server, cls.out, cls.raster, cls.serial, cls.settings_file = h.start_presets_printer("web60", "W")
-        cls.jobs = 0
-
-    @classmethod
-    def tearDownClass(cls):
-        h.stop_presets_printer(cls.server, (cls.settings_file, os.path.join(h.CONF_DIR, "uv", cls.serial + ".uv"),
-                                            os.path.join(h.CONF_DIR, "lut", cls.serial + "inv.csv")))
+    def left_files(cls):
+        return [os.path.join(h.CONF_DIR, "uv", cls.serial + ".uv"), os.path.join(h.CONF_DIR, "lut", cls.serial + "inv.csv")]
 
     def presets_form(self, action, source=None):
         status, body = h.http_request(self.server, "GET", "/web60/presets", source=source)
@@ -36,15 +31,6 @@ class PresetsWebTest(unittest.TestCase):
         if not os.path.exists(self.settings_file):
             return None
         with open(self.settings_file, "rb") as f:
-            return f.read()
-
-    def print_card(self, attrs):
-        """Print the pattern with the attributes; the device output."""
-        type(self).jobs += 1
-        name = "web-%d" % self.jobs
-        job = h.ipp_print(self.server, "web60", self.raster, "image/pwg-raster", name, attrs)
-        self.assertEqual(job["job-state"], "completed", job)
-        with open(os.path.join(self.out, name + ".brj"), "rb") as f:
             return f.read()
 
     def test_1_area_change_reaches_the_next_job(self):

@@ -210,10 +210,8 @@ class PrinterAppTest(unittest.TestCase):
 
     def test_missing_preset(self):
         # The printer's serial selects its presets; none of this serial exist.
-        status, body = h.http_request(self.server, "GET", "/card35/device")
-        forms, _ = h.parse_page(body)
-        status, text = h.post_form(self.server, "/card35/device", forms[0],
-                                   {"serial": self.serial, "ribbon-type": "YMCK-UV", "flip-turn": "on"})
+        status, text = h.set_device(self.server, "card35",
+                                    {"serial": self.serial, "ribbon-type": "YMCK-UV", "flip-turn": "on"})
         self.assertIn("Device settings saved.", text)
         try:
             job = self.print_job("card35", self.pwg300, "image/pwg-raster", "nopreset35",
@@ -229,21 +227,16 @@ class PrinterAppTest(unittest.TestCase):
             self.assertIn(warnings[-1][:60], job["job-state-message"])
             self.assertIn("job-completed-with-warnings", job["job-state-reasons"])
         finally:
-            status, body = h.http_request(self.server, "GET", "/card35/device")
-            h.post_form(self.server, "/card35/device", h.parse_page(body)[0][0], {"serial": "", "ribbon-type": "YMCK"})
+            h.set_device(self.server, "card35", {"serial": "", "ribbon-type": "YMCK"})
 
     def test_raw_job_stream_is_checked_then_sent(self):
         job = self.print_job("card30", self.pwg300, "image/pwg-raster", "forraw30")
         stream = self.device_output("card30", "forraw30")
-        raw = os.path.join(self.server.tmp, "good.brj")
-        with open(raw, "wb") as f:
-            f.write(stream)
+        raw = h.write_bytes(os.path.join(self.server.tmp, "good.brj"), stream)
         job = self.print_job("card30", raw, "application/vnd.brellian-job", "raw30")
         self.assertEqual(job["job-state"], "completed", job)
         self.assertEqual(self.device_output("card30", "raw30"), stream)
-        cut = os.path.join(self.server.tmp, "cut.brj")
-        with open(cut, "wb") as f:
-            f.write(stream[:len(stream) // 2])
+        cut = h.write_bytes(os.path.join(self.server.tmp, "cut.brj"), stream[:len(stream) // 2])
         job = self.print_job("card30", cut, "application/vnd.brellian-job", "rawcut30")
         self.assertEqual(job["job-state"], "aborted", job)
         self.assertIn("Not a usable job stream", job["job-state-message"])
@@ -259,9 +252,7 @@ class PrinterAppTest(unittest.TestCase):
         self.assertNotIn("Filter: DEBUG: filter user root", log)
 
     def test_printers_and_device_settings_survive_a_restart(self):
-        status, body = h.http_request(self.server, "GET", "/card30/device")
-        forms, _ = h.parse_page(body)
-        status, text = h.post_form(self.server, "/card30/device", forms[0], {"laminator": "on"})
+        status, text = h.set_device(self.server, "card30", {"laminator": "on"})
         self.assertIn("Device settings saved.", text)
         self.assertIn("brellian-laminate-default", h.ipp_simple(self.server, "card30", "Get-Printer-Attributes",
                                                         ["ATTR keyword requested-attributes brellian-laminate-default"]))

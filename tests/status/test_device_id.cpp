@@ -53,51 +53,42 @@ TEST(DeviceIdValue, ValueRunsToTheNextSemicolonOrTheEnd) {
   EXPECT_EQ("<null>", Value("", "MFG:Maker;"));
 }
 
-TEST(DeviceIdParse, MakerModelAndSerial) {
-  TParsed p = Parse("MFG:Maker;MDL:X1;SERN:123;");
-  EXPECT_EQ("usbbr://Maker/X1?serial=123", p.uri);
-  EXPECT_EQ("Maker X1", p.makeModel);
-  EXPECT_EQ("X1", p.model);
-  EXPECT_EQ("123", p.serial);
-}
+namespace {
 
-TEST(DeviceIdParse, WithoutSerialTheUriHasNoQuery) {
-  TParsed p = Parse("MFG:Maker;MDL:X1;");
-  EXPECT_EQ("usbbr://Maker/X1", p.uri);
-  EXPECT_EQ("", p.serial);
-}
+// Device IDs and the four results of DeviceId_Parse for each.
+struct TParseCase {
+  const char* what;
+  const char* id;
+  const char* uri;
+  const char* makeModel;
+  const char* model;
+  const char* serial;
+};
 
-TEST(DeviceIdParse, DescriptionIsTheMakeAndModel) {
-  TParsed p = Parse("MFG:Maker;MDL:X1;DESC:Maker Card Printer X1;SERN:9;");
-  EXPECT_EQ("Maker Card Printer X1", p.makeModel);
-  EXPECT_EQ("X1", p.model);
-  EXPECT_EQ("usbbr://Maker/X1?serial=9", p.uri);
-  TParsed q = Parse("DESC:Only a description;");
-  EXPECT_EQ("Only a description", q.makeModel);
-  EXPECT_EQ("", q.model);
-}
+const TParseCase kParseCases[] = {
+    {"maker, model and serial", "MFG:Maker;MDL:X1;SERN:123;", "usbbr://Maker/X1?serial=123", "Maker X1", "X1", "123"},
+    {"without a serial the URI has no query", "MFG:Maker;MDL:X1;", "usbbr://Maker/X1", "Maker X1", "X1", ""},
+    {"the description is the make and model", "MFG:Maker;MDL:X1;DESC:Maker Card Printer X1;SERN:9;",
+     "usbbr://Maker/X1?serial=9", "Maker Card Printer X1", "X1", "9"},
+    {"a description alone", "DESC:Only a description;", "usbbr:///", "Only a description", "", ""},
+    {"a key inside another value is found", "MFG:Maker;CMD:MDL:Z9;SERN:5;", "usbbr://Maker/Z9?serial=5", "Maker Z9",
+     "Z9", "5"},
+    {"no maker: empty in the URI", "MDL:X1;SERN:7;", "usbbr:///X1?serial=7", "X1", "X1", "7"},
+    {"no model: empty in the URI", "MFG:Maker;", "usbbr://Maker/", "Maker", "", ""},
+    {"nothing", "", "usbbr:///", "", "", ""},
+};
 
-TEST(DeviceIdParse, KeyInsideAnotherValueIsFound) {
-  TParsed p = Parse("MFG:Maker;CMD:MDL:Z9;SERN:5;");
-  EXPECT_EQ("Z9", p.model);
-  EXPECT_EQ("Maker Z9", p.makeModel);
-  EXPECT_EQ("usbbr://Maker/Z9?serial=5", p.uri);
-}
+}  // namespace
 
-TEST(DeviceIdParse, MissingMakerOrModelIsEmptyInTheUri) {
-  TParsed noMaker = Parse("MDL:X1;SERN:7;");
-  EXPECT_EQ("usbbr:///X1?serial=7", noMaker.uri);
-  EXPECT_EQ("X1", noMaker.makeModel);
-  EXPECT_EQ("X1", noMaker.model);
-  TParsed noModel = Parse("MFG:Maker;");
-  EXPECT_EQ("usbbr://Maker/", noModel.uri);
-  EXPECT_EQ("Maker", noModel.makeModel);
-  EXPECT_EQ("", noModel.model);
-  TParsed nothing = Parse("");
-  EXPECT_EQ("usbbr:///", nothing.uri);
-  EXPECT_EQ("", nothing.makeModel);
-  EXPECT_EQ("", nothing.model);
-  EXPECT_EQ("", nothing.serial);
+TEST(DeviceIdParse, UriMakeAndModelModelAndSerialOfEachId) {
+  for (const TParseCase& c : kParseCases) {
+    SCOPED_TRACE(std::string(c.what) + ": \"" + c.id + "\"");
+    TParsed p = Parse(c.id);
+    EXPECT_EQ(c.uri, p.uri);
+    EXPECT_EQ(c.makeModel, p.makeModel);
+    EXPECT_EQ(c.model, p.model);
+    EXPECT_EQ(c.serial, p.serial);
+  }
 }
 
 TEST(DeviceIdParse, LongUriIsCutToTheWorkBuffer) {

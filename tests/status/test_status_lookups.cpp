@@ -2,6 +2,7 @@
 // Copyright 2026 The rastertobrellian authors.
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <string>
 #include <thread>
 #include <unistd.h>
@@ -15,23 +16,36 @@ class StatusLookup : public ::testing::Test {
   void SetUp() override { Status_BuildTables(); }
 };
 
+// Two bytes of a lookup (key and code, or status and error) and its text.
+struct TByteCase {
+  uint8_t first, second;
+  const char* text;
+};
+
+// 'ExpectTexts()' - Each case looked up gives its text.
+void ExpectTexts(const char* (*lookup)(uint8_t, uint8_t), std::initializer_list<TByteCase> cases) {
+  for (const TByteCase& c : cases)
+    EXPECT_STREQ(c.text, lookup(c.first, c.second))
+        << std::hex << static_cast<int>(c.first) << "," << static_cast<int>(c.second);
+}
+
 }  // namespace
 
 TEST_F(StatusLookup, SenseTextOfKnownUnknownAndHardwareMismatch) {
-  EXPECT_STREQ("Invalid security key", Status_SenseText(0x05, 0x22));
-  EXPECT_STREQ("Undefined sense key (05,99)", Status_SenseText(0x05, 0x99));
-  EXPECT_STREQ("Hardware mismatch (12)", Status_SenseText(0xFF, 0x12));
-  EXPECT_STREQ("Ready", Status_SenseText(0x00, 0x00));
-  EXPECT_STREQ("Out of ribbon film", Status_SenseText(0x42, 0xB2));
+  ExpectTexts(Status_SenseText, {{0x05, 0x22, "Invalid security key"},
+                                 {0x05, 0x99, "Undefined sense key (05,99)"},
+                                 {0xFF, 0x12, "Hardware mismatch (12)"},
+                                 {0x00, 0x00, "Ready"},
+                                 {0x42, 0xB2, "Out of ribbon film"}});
 }
 
 TEST_F(StatusLookup, SenseTextOfLaminatorKeys) {
-  EXPECT_STREQ("Laminating", Status_SenseText(0xFD, 0x12));
-  EXPECT_STREQ("Undefined laminator status (20)", Status_SenseText(0xFD, 0x20));
-  // Status 0xFF goes to the error table, and the sense pair has no error byte.
-  EXPECT_STREQ("Undefined laminator error (00)", Status_SenseText(0xFD, 0xFF));
-  EXPECT_STREQ("Front door is open", Status_SenseText(0xFE, 0x59));
-  EXPECT_STREQ("Undefined laminator error (01)", Status_SenseText(0xFE, 0x01));
+  ExpectTexts(Status_SenseText, {{0xFD, 0x12, "Laminating"},
+                                 {0xFD, 0x20, "Undefined laminator status (20)"},
+                                 // Status 0xFF goes to the error table, and the sense pair has no error byte.
+                                 {0xFD, 0xFF, "Undefined laminator error (00)"},
+                                 {0xFE, 0x59, "Front door is open"},
+                                 {0xFE, 0x01, "Undefined laminator error (01)"}});
 }
 
 TEST_F(StatusLookup, SenseTextPackedSplitsTheBytes) {
@@ -41,9 +55,9 @@ TEST_F(StatusLookup, SenseTextPackedSplitsTheBytes) {
 }
 
 TEST_F(StatusLookup, SenseKeyWithCodes) {
-  EXPECT_STREQ("Jam in transfer area (03,93)", Status_SenseKeyWithCodes(0x03, 0x93));
-  EXPECT_STREQ("Undefined sense key (05,99)", Status_SenseKeyWithCodes(0x05, 0x99));
-  EXPECT_STREQ("Undefined sense key (FF,12)", Status_SenseKeyWithCodes(0xFF, 0x12));
+  ExpectTexts(Status_SenseKeyWithCodes, {{0x03, 0x93, "Jam in transfer area (03,93)"},
+                                         {0x05, 0x99, "Undefined sense key (05,99)"},
+                                         {0xFF, 0x12, "Undefined sense key (FF,12)"}});
 }
 
 TEST_F(StatusLookup, PrinterTextAppendsTheSenseTextOnError) {
@@ -56,11 +70,11 @@ TEST_F(StatusLookup, PrinterTextAppendsTheSenseTextOnError) {
 }
 
 TEST_F(StatusLookup, LaminatorText) {
-  EXPECT_STREQ("Front door is open", Status_LaminatorText(0xFF, 0x59));
-  EXPECT_STREQ("Undefined laminator status (20)", Status_LaminatorText(0x20, 0));
-  EXPECT_STREQ("Undefined laminator error (99)", Status_LaminatorText(0xFF, 0x99));
-  EXPECT_STREQ("Laminator not connected", Status_LaminatorText(0xFE, 0x59));
-  EXPECT_STREQ("Ready", Status_LaminatorText(0x00, 0x59));
+  ExpectTexts(Status_LaminatorText, {{0xFF, 0x59, "Front door is open"},
+                                     {0x20, 0x00, "Undefined laminator status (20)"},
+                                     {0xFF, 0x99, "Undefined laminator error (99)"},
+                                     {0xFE, 0x59, "Laminator not connected"},
+                                     {0x00, 0x59, "Ready"}});
 }
 
 TEST_F(StatusLookup, RibbonText) {

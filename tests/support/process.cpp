@@ -237,3 +237,16 @@ std::string Test_WithoutWarnings(const std::string& err) {
   }
   return rest;
 }
+
+// 'Test_Lines()' - Split at each line feed.
+std::vector<std::string> Test_Lines(const std::string& text) {
+  std::vector<std::string> lines;
+  size_t at = 0;
+  while (at < text.size()) {
+    size_t nl = text.find('\n', at);
+    if (nl == std::string::npos) nl = text.size();
+    lines.push_back(text.substr(at, nl - at));
+    at = nl + 1;
+  }
+  return lines;
+}

@@ -55,6 +55,10 @@ void Test_WriteFile(const std::string& path, const std::string& data);
 void Test_RemoveTree(const std::string& path);
 void Test_MakeDirs(const std::string& path);
 
+// 'Test_Lines()' - The lines of text without their line feeds; text after
+// the last line feed is one more line.
+std::vector<std::string> Test_Lines(const std::string& text);
+
 // 'Test_GeneratedPPD()' - The build's PPD file of model.
 std::string Test_GeneratedPPD(int model = 1060);
 

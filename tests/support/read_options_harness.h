@@ -31,6 +31,7 @@ class ReadOptionsTest : public ::testing::Test {
   }
 
   void TearDown() override {
+    for (const std::string& serial : settingsUsed_) RemoveSettings(serial);
     Log_SetOutputMask(0);
     delete task_;
     unsetenv("PPD");
@@ -105,6 +106,14 @@ class ReadOptionsTest : public ::testing::Test {
     Test_MakeDirs(BRELLIAN_SETTINGS_DIR);  // a tree the reader trusts
     ASSERT_TRUE(s.Save());
   }
+  // 'UseSettings()' - SaveSettings and UseSerial: the job's printer has
+  // serial, and its settings file holds s.  The file is removed after the
+  // test, also when an assertion ended it early.
+  void UseSettings(const TBrellianSettings& s, const std::string& serial) {
+    SaveSettings(s, serial);
+    UseSerial(serial);
+    settingsUsed_.push_back(serial);
+  }
   static void RemoveSettings(const std::string& serial) {
     TBrellianSettings s;
     s.modelName = Status_ModelName(1060);
@@ -118,4 +127,5 @@ class ReadOptionsTest : public ::testing::Test {
   char* args_[7] = {arg0_, arg0_, arg0_, arg0_, arg0_, arg0_, nullptr};
   TPrintingTask* task_ = nullptr;
   std::vector<std::string> lines_;
+  std::vector<std::string> settingsUsed_;  // serials whose files UseSettings wrote
 };

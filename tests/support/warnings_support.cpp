@@ -47,14 +47,8 @@ TWarnRun Warn_Run(const std::vector<TRasterPage>& pages, const std::string& opti
     if (at != 0 && at + 8 <= run.stream.size()) run.stream.replace(at, 8, 8, '\0');
   }
   run.outline = Job_Outline(run.check);
-  size_t start = 0;
-  while (start < p.err.size()) {
-    size_t end = p.err.find('\n', start);
-    if (end == std::string::npos) end = p.err.size();
-    std::string line = p.err.substr(start, end - start);
+  for (const std::string& line : Test_Lines(p.err))
     (line.rfind("WARNING: ", 0) == 0 ? run.warnings : run.designed).push_back(line);
-    start = end + 1;
-  }
   for (const std::string& line : Test_LogMessages()) {
     size_t first = line.find_first_not_of(' ');
     run.log.push_back(first == std::string::npos ? std::string() : line.substr(first));

@@ -5,6 +5,7 @@
 #include "lib/job_split.h"
 #include "lib/png_io.h"
 #include "support/process.h"
+#include "support/scratch_dir.h"
 #include "support/stream_reader_builder.h"
 
 namespace {
@@ -19,26 +20,9 @@ TStreamBuilder OneJob(uint32_t jobId, uint8_t shade) {
   return b;
 }
 
-std::vector<std::string> Lines(const std::string& text) {
-  std::vector<std::string> lines;
-  size_t at = 0;
-  while (at < text.size()) {
-    size_t nl = text.find('\n', at);
-    lines.push_back(text.substr(at, nl - at));
-    at = nl == std::string::npos ? text.size() : nl + 1;
-  }
-  return lines;
-}
-
-class JobDumpCapture : public ::testing::Test {
+class JobDumpCapture : public TScratchDirTest {
  protected:
-  void SetUp() override {
-    dir = BRELLIAN_BINARY_DIR "/test-jobdump-capture";
-    Test_RemoveTree(dir);
-    Test_MakeDirs(dir);
-  }
-  void TearDown() override { Test_RemoveTree(dir); }
-  std::string dir;
+  JobDumpCapture() : TScratchDirTest("test-jobdump-capture") {}
 };
 
 }  // namespace
@@ -76,7 +60,7 @@ TEST_F(JobDumpCapture, TwoJobsBackToBackAreReportedEachAndExitZero) {
   TProcessResult r = Test_RunProcess({JOBDUMP, "--png", dir + "/png", dir + "/capture.bin"});
   ASSERT_EQ(0, r.status) << r.out << r.err;
   EXPECT_EQ("", r.err);
-  std::vector<std::string> lines = Lines(r.out);
+  std::vector<std::string> lines = Test_Lines(r.out);
   ASSERT_EQ(26u, lines.size()) << r.out;
   EXPECT_EQ("JOB 1 of 2 at offset 0, " + std::to_string(one.size()) + " bytes", lines[0]);
   EXPECT_EQ("OK: complete job, 11 records, 1 panels", lines[11]);
@@ -100,7 +84,7 @@ TEST_F(JobDumpCapture, AMalformedJobStopsTheReportAndACutLastJobExitsThree) {
   options.input = one + broken + one;
   TProcessResult bad = Test_RunProcess({JOBDUMP, "-q"}, options);
   EXPECT_EQ(1, bad.status);
-  std::vector<std::string> lines = Lines(bad.out);
+  std::vector<std::string> lines = Test_Lines(bad.out);
   ASSERT_EQ(5u, lines.size()) << bad.out;
   EXPECT_EQ("OK: complete job, 11 records, 1 panels", lines[1]);
   EXPECT_EQ(0u, lines[3].find("ERROR at offset ")) << lines[3];

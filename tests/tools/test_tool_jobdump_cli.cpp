@@ -7,21 +7,16 @@
 #include "jobstream/stream_reader.h"
 #include "lib/png_io.h"
 #include "support/process.h"
+#include "support/scratch_dir.h"
 #include "support/stream_reader_builder.h"
 
 namespace {
 
 const std::string JOBDUMP = BRELLIAN_TOOLS_DIR "/brellian-jobdump";
 
-class JobDumpTool : public ::testing::Test {
+class JobDumpTool : public TScratchDirTest {
  protected:
-  void SetUp() override {
-    dir = BRELLIAN_BINARY_DIR "/test-jobdump-cli";
-    Test_RemoveTree(dir);
-    Test_MakeDirs(dir);
-  }
-  void TearDown() override { Test_RemoveTree(dir); }
-  std::string dir;
+  JobDumpTool() : TScratchDirTest("test-jobdump-cli") {}
 };
 
 // Duplex: front colour 5 x 4 and UV 5 x 4, back overlay 6 x 2.
@@ -33,17 +28,6 @@ TStreamBuilder DuplexJob(std::vector<uint8_t>* color, std::vector<uint8_t>* uv, 
   b.StartJob(7).StartCard(5, 1).StartSide(0).Lut().Panel(5, 4, 0, *color, 3).Panel(5, 4, 2, *uv, 4).EndSide(0);
   b.StartSide(1).Lut().Panel(6, 2, 3, *po, 1).EndSide(1).EndCard(5).EndJob(7);
   return b;
-}
-
-std::vector<std::string> Lines(const std::string& text) {
-  std::vector<std::string> lines;
-  size_t at = 0;
-  while (at < text.size()) {
-    size_t nl = text.find('\n', at);
-    lines.push_back(text.substr(at, nl - at));
-    at = nl == std::string::npos ? text.size() : nl + 1;
-  }
-  return lines;
 }
 
 TPngImage Decode(const std::string& path, bool gray) {
@@ -63,7 +47,7 @@ TEST_F(JobDumpTool, ACompleteJobExitsZeroAndItsPngsHoldThePanelBytes) {
   TProcessResult r = Test_RunProcess({JOBDUMP, "--png", dir + "/png", dir + "/job.bin"});
   ASSERT_EQ(0, r.status) << r.err;
   EXPECT_EQ("", r.err);
-  std::vector<std::string> lines = Lines(r.out);
+  std::vector<std::string> lines = Test_Lines(r.out);
   ASSERT_EQ(23u, lines.size()) << r.out;
   EXPECT_EQ("         0  ICMD_STARTJOB    printer=1030 job=7 copies=1 title=\"\" plugin=\"\" queue=\"\"", lines[0]);
   EXPECT_EQ("      1239  ICMD_IMAGE       2 records, 60 bytes, 4 rows, largest 45 bytes", lines[5]);
@@ -96,7 +80,7 @@ TEST_F(JobDumpTool, AMalformedStreamExitsOneWithTheOffset) {
   options.input = bytes;
   TProcessResult r = Test_RunProcess({JOBDUMP, "-"}, options);
   EXPECT_EQ(1, r.status);
-  std::vector<std::string> lines = Lines(r.out);
+  std::vector<std::string> lines = Test_Lines(r.out);
   ASSERT_EQ(6u, lines.size()) << r.out;
   EXPECT_EQ("      1228  ICMD_STARTIMAGE  5 x 4 panel=0 (color)", lines[4]);
   EXPECT_EQ("ERROR at offset 1239: ICMD_IMAGE payload of 16 bytes is not whole rows of 15 bytes", lines[5]);

@@ -7,20 +7,15 @@
 
 #include "options/lut_format.h"
 #include "support/process.h"
+#include "support/scratch_dir.h"
 
 namespace {
 
 const std::string LUT = BRELLIAN_TOOLS_DIR "/brellian-lut";
 
-class LutTool : public ::testing::Test {
+class LutTool : public TScratchDirTest {
  protected:
-  void SetUp() override {
-    dir = BRELLIAN_BINARY_DIR "/test-lut-tool";
-    Test_RemoveTree(dir);
-    Test_MakeDirs(dir);
-  }
-  void TearDown() override { Test_RemoveTree(dir); }
-  std::string dir;
+  LutTool() : TScratchDirTest("test-lut-tool") {}
 };
 
 }  // namespace

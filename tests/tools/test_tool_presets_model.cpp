@@ -13,6 +13,7 @@
 #include "options/settings.h"
 #include "lib/png_io.h"
 #include "support/process.h"
+#include "support/scratch_dir.h"
 
 namespace {
 
@@ -34,19 +35,17 @@ TBrellianSettings Preset_Read(const std::string& path) {
   return s;
 }
 
-class PresetTools : public ::testing::Test {
+class PresetTools : public TScratchDirTest {
  protected:
+  PresetTools() : TScratchDirTest("test-preset-model") {}
   void SetUp() override {
-    dir = BRELLIAN_BINARY_DIR "/test-preset-model";
-    Test_RemoveTree(dir);
-    Test_MakeDirs(dir);
+    TScratchDirTest::SetUp();
     for (const char* serial : {"pm1", "pm2", "pm3"}) unlink(Preset_File(serial).c_str());
   }
   void TearDown() override {
-    Test_RemoveTree(dir);
+    TScratchDirTest::TearDown();
     for (const char* serial : {"pm1", "pm2", "pm3"}) unlink(Preset_File(serial).c_str());
   }
-  std::string dir;
 };
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include "lib/png_io.h"
 #include "support/process.h"
+#include "support/scratch_dir.h"
 #include "support/stream_reader_builder.h"
 
 namespace {
@@ -11,14 +12,9 @@ namespace {
 const std::string PREVIEW = BRELLIAN_TOOLS_DIR "/brellian-preview";
 constexpr uint16_t W = 6, H = 5;
 
-class PreviewTool : public ::testing::Test {
+class PreviewTool : public TScratchDirTest {
  protected:
-  void SetUp() override {
-    dir = BRELLIAN_BINARY_DIR "/test-preview-tool";
-    Test_RemoveTree(dir);
-    Test_MakeDirs(dir);
-  }
-  void TearDown() override { Test_RemoveTree(dir); }
+  PreviewTool() : TScratchDirTest("test-preview-tool") {}
 
   TPngImage Picture(const std::string& name) {
     TPngImage img;
@@ -30,7 +26,6 @@ class PreviewTool : public ::testing::Test {
     const uint8_t* p = &img.pixels[(y * img.width + x) * 3];
     return {p[0], p[1], p[2]};
   }
-  std::string dir;
 };
 
 // Front: colour (200, 100, 50) with (10, 20, 30) at (0, 0); black 255 at

@@ -5,20 +5,15 @@
 #include "lib/png_io.h"
 #include "lib/raster_writer.h"
 #include "support/process.h"
+#include "support/scratch_dir.h"
 
 namespace {
 
 constexpr uint32_t PW = 664, PH = 1036;   // a portrait page of model 1030 at 300 dpi
 
-class PreviewPortrait : public ::testing::Test {
+class PreviewPortrait : public TScratchDirTest {
  protected:
-  void SetUp() override {
-    dir = BRELLIAN_BINARY_DIR "/test-preview-portrait";
-    Test_RemoveTree(dir);
-    Test_MakeDirs(dir);
-  }
-  void TearDown() override { Test_RemoveTree(dir); }
-  std::string dir;
+  PreviewPortrait() : TScratchDirTest("test-preview-portrait") {}
 };
 
 // 'Near()' - Whether the dot (x, y) of img is within 40 of (r, g, b).

@@ -5,6 +5,7 @@
 #include "jobstream/records.h"
 #include "lib/png_io.h"
 #include "support/process.h"
+#include "support/scratch_dir.h"
 #include "support/stream_reader_builder.h"
 
 namespace {
@@ -12,14 +13,9 @@ namespace {
 const std::string PREVIEW = BRELLIAN_TOOLS_DIR "/brellian-preview";
 using P = std::vector<uint8_t>;
 
-class PreviewViews : public ::testing::Test {
+class PreviewViews : public TScratchDirTest {
  protected:
-  void SetUp() override {
-    dir = BRELLIAN_BINARY_DIR "/test-preview-views";
-    Test_RemoveTree(dir);
-    Test_MakeDirs(dir);
-  }
-  void TearDown() override { Test_RemoveTree(dir); }
+  PreviewViews() : TScratchDirTest("test-preview-views") {}
 
   // Run the preview on bytes; the exit status.
   int Run(const std::string& bytes, const std::vector<std::string>& options = {}) {
@@ -48,7 +44,6 @@ class PreviewViews : public ::testing::Test {
         if (At(img, x, y) == c) return true;
     return false;
   }
-  std::string dir;
 };
 
 // A simplex job whose front is one panel of the given type.

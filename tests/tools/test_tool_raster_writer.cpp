@@ -10,48 +10,9 @@
 #include "lib/raster_content.h"
 #include "lib/raster_writer.h"
 #include "support/process.h"
+#include "support/raster_readback.h"
 
 namespace {
-
-// One page as libcups reads it back.
-struct TReadPage {
-  cups_page_header2_t header;
-  std::vector<uint8_t> data;  // the rows that could be read
-};
-
-struct TMemorySource {
-  const std::string* bytes;
-  size_t at;
-};
-
-ssize_t ReadFromMemory(void* ctx, unsigned char* buffer, size_t bytes) {
-  TMemorySource* src = static_cast<TMemorySource*>(ctx);
-  size_t n = std::min(bytes, src->bytes->size() - src->at);
-  memcpy(buffer, src->bytes->data() + src->at, n);
-  src->at += n;
-  return static_cast<ssize_t>(n);
-}
-
-// Read every page of a raster stream with cupsRasterReadHeader2 and
-// cupsRasterReadPixels, row by row.
-std::vector<TReadPage> ReadBack(const std::string& stream) {
-  std::vector<TReadPage> pages;
-  TMemorySource src = {&stream, 0};
-  cups_raster_t* ras = cupsRasterOpenIO(ReadFromMemory, &src, CUPS_RASTER_READ);
-  if (!ras) return pages;
-  TReadPage page;
-  while (cupsRasterReadHeader2(ras, &page.header)) {
-    page.data.clear();
-    std::vector<uint8_t> row(page.header.cupsBytesPerLine);
-    for (unsigned y = 0; y < page.header.cupsHeight; ++y) {
-      if (cupsRasterReadPixels(ras, row.data(), page.header.cupsBytesPerLine) == 0) break;
-      page.data.insert(page.data.end(), row.begin(), row.end());
-    }
-    pages.push_back(page);
-  }
-  cupsRasterClose(ras);
-  return pages;
-}
 
 uint32_t SyncWord(const std::string& stream) {
   uint32_t w = 0;
@@ -100,7 +61,7 @@ TEST(RasterWriter, UncompressedStreamReadsBackExactly) {
   ASSERT_TRUE(Raster_WriteStream({p}, false, &stream));
   EXPECT_EQ(0x52615333u, SyncWord(stream));  // "RaS3"
   EXPECT_EQ(4u + 1796u + 7u * 5u * 3u, stream.size());
-  std::vector<TReadPage> back = ReadBack(stream);
+  std::vector<TReadPage> back = Test_ReadRaster(stream);
   ASSERT_EQ(1u, back.size());
   EXPECT_EQ(7u, back[0].header.cupsWidth);
   EXPECT_EQ(5u, back[0].header.cupsHeight);
@@ -119,7 +80,7 @@ TEST(RasterWriter, CompressedStreamOfTwoPagesReadsBackExactly) {
   ASSERT_TRUE(Raster_WriteStream({a, b}, true, &stream));
   EXPECT_EQ(0x52615332u, SyncWord(stream));  // "RaS2"
   EXPECT_LT(stream.size(), 4u + 2u * 1796u + a.data.size());
-  std::vector<TReadPage> back = ReadBack(stream);
+  std::vector<TReadPage> back = Test_ReadRaster(stream);
   ASSERT_EQ(2u, back.size());
   EXPECT_EQ(a.data, back[0].data);
   EXPECT_EQ(b.data, back[1].data);
@@ -133,9 +94,9 @@ TEST(RasterWriter, TruncateKeepsExactlyTheFirstBytes) {
   ASSERT_TRUE(Raster_WriteStream({p}, false, &cut, 1000));
   ASSERT_EQ(1000u, cut.size());
   EXPECT_EQ(full.substr(0, 1000), cut);
-  EXPECT_TRUE(ReadBack(cut).empty());  // the header itself is cut
+  EXPECT_TRUE(Test_ReadRaster(cut).empty());  // the header itself is cut
   ASSERT_TRUE(Raster_WriteStream({p}, false, &cut, 4 + 1796 + 30 * 4 + 5));
-  std::vector<TReadPage> back = ReadBack(cut);
+  std::vector<TReadPage> back = Test_ReadRaster(cut);
   ASSERT_EQ(1u, back.size());
   EXPECT_EQ(120u, back[0].data.size());  // four whole rows survive
 }
@@ -146,7 +107,7 @@ TEST(RasterWriter, PageCutMidRowKeepsItsBytesUncompressed) {
   std::string stream;
   ASSERT_TRUE(Raster_WriteStream({p}, false, &stream));
   EXPECT_EQ(4u + 1796u + 29u, stream.size());
-  std::vector<TReadPage> back = ReadBack(stream);
+  std::vector<TReadPage> back = Test_ReadRaster(stream);
   ASSERT_EQ(1u, back.size());
   EXPECT_EQ(24u, back[0].data.size());
   EXPECT_EQ(4u, back[0].header.cupsHeight);

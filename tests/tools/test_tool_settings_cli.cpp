@@ -9,20 +9,15 @@
 #include "options/settings.h"
 #include "lib/raster_writer.h"
 #include "support/process.h"
+#include "support/scratch_dir.h"
 
 namespace {
 
 const std::string SETTINGS = BRELLIAN_TOOLS_DIR "/brellian-settings";
 
-class SettingsTool : public ::testing::Test {
+class SettingsTool : public TScratchDirTest {
  protected:
-  void SetUp() override {
-    dir = BRELLIAN_BINARY_DIR "/test-settings-cli";
-    Test_RemoveTree(dir);
-    Test_MakeDirs(dir);
-    file = dir + "/s.dat";
-  }
-  void TearDown() override { Test_RemoveTree(dir); }
+  SettingsTool() : TScratchDirTest("test-settings-cli"), file(dir + "/s.dat") {}
 
   static TProcessResult Run(const std::vector<std::string>& args, const TProcessOptions& o = TProcessOptions()) {
     std::vector<std::string> argv{SETTINGS};
@@ -39,7 +34,7 @@ class SettingsTool : public ::testing::Test {
     std::sort(names.begin(), names.end());
     return names;
   }
-  std::string dir, file;
+  std::string file;
 };
 
 }  // namespace

@@ -12,19 +12,6 @@
 
 namespace {
 
-// 'Lines()' - The lines of text.
-std::vector<std::string> Lines(const std::string& text) {
-  std::vector<std::string> out;
-  size_t pos = 0;
-  while (pos < text.size()) {
-    size_t end = text.find('\n', pos);
-    if (end == std::string::npos) end = text.size();
-    out.push_back(text.substr(pos, end - pos));
-    pos = end + 1;
-  }
-  return out;
-}
-
 std::string WorkDir(const std::string& name) {
   std::string dir = std::string(BRELLIAN_BINARY_DIR) + "/usbbr-tests/" + name;
   Test_RemoveTree(dir);
@@ -60,7 +47,7 @@ TEST(UsbbrBackend, DiscoveryListsTheCardPrintersAsUsbbrUris) {
       "direct usbbr://Brellian/BR-1030?serial=S30 \"Brellian BR-1030\" \"Brellian BR-1030 (serial S30)\" "
       "\"MFG:Brellian;MDL:BR-1030;CLS:PRINTER;SERN:S30;\" \"\"",
   };
-  EXPECT_EQ(expected, Lines(r.out));
+  EXPECT_EQ(expected, Test_Lines(r.out));
 }
 
 TEST(UsbbrBackend, DiscoveryWithNoCardPrinterListsNothing) {
@@ -77,7 +64,7 @@ TEST(UsbbrBackend, JobOnStandardInputGoesToThePrinterWithItsInterface) {
   TProcessResult r = RunUsbbr(lower, kJobArgs, "usbbr://Brellian/BR-1060?serial=ABC123", options);
   EXPECT_EQ(0, r.status) << r.err;
   EXPECT_EQ(options.input, lower.Capture());
-  std::vector<std::string> args = Lines(lower.CaptureArgs());
+  std::vector<std::string> args = Test_Lines(lower.CaptureArgs());
   ASSERT_EQ(7u, args.size()) << lower.CaptureArgs();
   EXPECT_EQ("usb://Brellian/BR-1060?serial=ABC123&interface=1", args[0]);  // DEVICE_URI
   EXPECT_EQ(lower.program, args[1]);
@@ -94,8 +81,8 @@ TEST(UsbbrBackend, JobFileGoesToThePrinterOfItsSerial) {
   TProcessResult r = RunUsbbr(lower, args, "usbbr://Brellian/BR-1035?serial=K35");
   EXPECT_EQ(0, r.status) << r.err;
   EXPECT_EQ("file job", lower.Capture());
-  EXPECT_EQ("usb://Brellian/BR-1035?serial=K35", Lines(lower.CaptureArgs())[0]);
-  EXPECT_EQ(dir + "/job.bin", Lines(lower.CaptureArgs()).back());
+  EXPECT_EQ("usb://Brellian/BR-1035?serial=K35", Test_Lines(lower.CaptureArgs())[0]);
+  EXPECT_EQ(dir + "/job.bin", Test_Lines(lower.CaptureArgs()).back());
 }
 
 TEST(UsbbrBackend, UriWithoutSerialTakesTheFirstPrinterOfItsModel) {
@@ -104,7 +91,7 @@ TEST(UsbbrBackend, UriWithoutSerialTakesTheFirstPrinterOfItsModel) {
   options.input = "x";
   TProcessResult r = RunUsbbr(lower, kJobArgs, "usbbr://Brellian/BR-1060", options);
   EXPECT_EQ(0, r.status) << r.err;
-  EXPECT_EQ("usb://Brellian/BR-1060?serial=ABC123&interface=1", Lines(lower.CaptureArgs())[0]);
+  EXPECT_EQ("usb://Brellian/BR-1060?serial=ABC123&interface=1", Test_Lines(lower.CaptureArgs())[0]);
 }
 
 TEST(UsbbrBackend, ExitStatusOfTheUsbBackendIsPassedOn) {
@@ -125,7 +112,7 @@ TEST(UsbbrBackend, WaitsUntilThePrinterIsConnected) {
   EXPECT_EQ(0, r.status) << r.err;
   EXPECT_EQ("late job", lower.Capture());
   EXPECT_EQ(3, lower.Looks());
-  std::vector<std::string> err = Lines(r.err);
+  std::vector<std::string> err = Test_Lines(r.err);
   EXPECT_TRUE(Test_Contains(err, "STATE: +connecting-to-device")) << r.err;
   EXPECT_TRUE(Test_Contains(err, "INFO: Waiting for printer usbbr://Brellian/BR-1060?serial=ABC123 to be connected."))
       << r.err;
@@ -142,7 +129,7 @@ TEST(UsbbrBackend, TheWaitingStateIsSaidAgainOnEveryLook) {
   TProcessResult r = RunUsbbr(lower, kJobArgs, "usbbr://Brellian/BR-1060?serial=ABC123", options);
   EXPECT_EQ(0, r.status) << r.err;
   int states = 0, infos = 0;
-  for (const std::string& line : Lines(r.err)) {
+  for (const std::string& line : Test_Lines(r.err)) {
     states += line == "STATE: +connecting-to-device";
     infos += line == "INFO: Waiting for printer usbbr://Brellian/BR-1060?serial=ABC123 to be connected.";
   }
@@ -161,7 +148,7 @@ TEST(UsbbrBackend, SigtermWhileWaitingCancelsWithoutSending) {
   options.sigtermOnErr = "STATE: +connecting-to-device";
   TProcessResult r = RunUsbbr(lower, kJobArgs, "usbbr://Brellian/BR-1060?serial=ABC123", options);
   EXPECT_EQ(0, r.status) << r.err;  // CUPS_BACKEND_OK: nothing to undo
-  EXPECT_TRUE(Test_Contains(Lines(r.err), "INFO: Job cancelled before it reached the printer.")) << r.err;
+  EXPECT_TRUE(Test_Contains(Test_Lines(r.err), "INFO: Job cancelled before it reached the printer.")) << r.err;
   EXPECT_EQ("", lower.Capture());
 }
 

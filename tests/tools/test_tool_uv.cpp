@@ -7,6 +7,7 @@
 #include "lib/png_io.h"
 #include "status/tables.h"
 #include "support/process.h"
+#include "support/scratch_dir.h"
 #include "lib/uv_image.h"
 
 namespace {
@@ -23,15 +24,9 @@ TPngImage Rgb(uint32_t w, uint32_t h, std::vector<uint8_t> pixels) {
   return img;
 }
 
-class UvTool : public ::testing::Test {
+class UvTool : public TScratchDirTest {
  protected:
-  void SetUp() override {
-    dir = BRELLIAN_BINARY_DIR "/test-uv-tool";
-    Test_RemoveTree(dir);
-    Test_MakeDirs(dir);
-  }
-  void TearDown() override { Test_RemoveTree(dir); }
-  std::string dir;
+  UvTool() : TScratchDirTest("test-uv-tool") {}
 };
 
 }  // namespace

@@ -1,12 +1,9 @@
 // brellian-jobdump: check a job command stream, list its records, write its panels as PNG.
 // Copyright 2026 The rastertobrellian authors.
 #include <getopt.h>
-#include <sys/stat.h>
 
-#include <cerrno>
 #include <cinttypes>
 #include <cstdio>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -15,16 +12,6 @@
 #include "jobstream/stream_reader.h"
 #include "lib/panel_png.h"
 #include "lib/tool_file.h"
-#include "util/safe_file.h"
-
-// Exit statuses.
-constexpr int DUMP_COMPLETE = 0;   // a complete, well-formed job
-constexpr int DUMP_MALFORMED = 1;  // a violation was found
-constexpr int DUMP_FAILED = 2;     // bad arguments, unreadable input, unwritable PNG
-constexpr int DUMP_CUT = 3;        // well-formed but stops before ICMD_ENDJOB
-
-// Largest stream read.
-constexpr size_t DUMP_MAX_STREAM_BYTES = 1024u * 1024u * 1024u;
 
 static const char USAGE[] =
     "Usage: brellian-jobdump [options] [FILE]\n"
@@ -57,29 +44,13 @@ static const struct option LONG_OPTIONS[] = {
     {nullptr, 0, nullptr, 0},
 };
 
-// 'Inspect_ReadInput()' - The whole stream from path, or standard input for
-// "" and "-".  False with a message on standard error.
-static bool Inspect_ReadInput(const std::string& path, std::string* bytes) {
-  errno = 0;
-  bool ok = path.empty() || path == "-" ? Tool_ReadAll(stdin, DUMP_MAX_STREAM_BYTES, bytes)
-                                        : File_ReadCapped(path.c_str(), DUMP_MAX_STREAM_BYTES, bytes) == 0;
-  if (!ok)
-    fprintf(stderr, "brellian-jobdump: cannot read %s: %s\n", path.empty() || path == "-" ? "standard input" : path.c_str(),
-            errno == EFBIG ? "more than 1 GiB" : strerror(errno));
-  return ok;
-}
-
 // 'Inspect_WritePanels()' - Write every panel that holds rows into dir and
 // list the files.  False when one cannot be written.
 static bool Inspect_WritePanels(const std::string& dir, const TStreamCheck& check, const std::string& prefix,
                              bool quiet) {
-  struct stat st;
-  if (mkdir(dir.c_str(), 0755) != 0 && errno != EEXIST) {
-    fprintf(stderr, "brellian-jobdump: cannot create %s: %s\n", dir.c_str(), strerror(errno));
-    return false;
-  }
-  if (lstat(dir.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) {
-    fprintf(stderr, "brellian-jobdump: %s is not a directory\n", dir.c_str());
+  std::string error;
+  if (!Tool_MakeDir(dir, &error)) {
+    fprintf(stderr, "brellian-jobdump: %s\n", error.c_str());
     return false;
   }
   for (const TStreamPanel& panel : check.panels) {
@@ -105,17 +76,20 @@ int main(int argc, char** argv) {
       case 'p': pngDir = optarg; break;
       case 'c': eachChunk = true; break;
       case 'q': quiet = true; break;
-      case 'h': fputs(USAGE, stdout); return DUMP_COMPLETE;
-      default: fputs(USAGE, stderr); return DUMP_FAILED;
+      case 'h': fputs(USAGE, stdout); return INSPECT_COMPLETE;
+      default: fputs(USAGE, stderr); return INSPECT_FAILED;
     }
   }
   if (argc - optind > 1) {
     fputs("brellian-jobdump: more than one FILE given\n", stderr);
     fputs(USAGE, stderr);
-    return DUMP_FAILED;
+    return INSPECT_FAILED;
   }
-  std::string bytes;
-  if (!Inspect_ReadInput(optind < argc ? argv[optind] : "", &bytes)) return DUMP_FAILED;
+  std::string bytes, error;
+  if (!Inspect_ReadCapture(optind < argc ? argv[optind] : "", &bytes, &error)) {
+    fprintf(stderr, "brellian-jobdump: %s\n", error.c_str());
+    return INSPECT_FAILED;
+  }
 
   std::vector<TJobSpan> spans = Inspect_SplitJobs(bytes);
   std::vector<TStreamCheck> checks = Inspect_ReadJobs(bytes);
@@ -131,10 +105,9 @@ int main(int argc, char** argv) {
     if (!check.ok) fprintf(stderr, "brellian-jobdump: %s\n", verdict.c_str());
     fflush(stdout);
     std::string prefix = several ? "job" + std::to_string(j + 1) + "-" : "";
-    if (!pngDir.empty() && !Inspect_WritePanels(pngDir, check, prefix, quiet)) return DUMP_FAILED;
+    if (!pngDir.empty() && !Inspect_WritePanels(pngDir, check, prefix, quiet)) return INSPECT_FAILED;
   }
   if (checks.size() < spans.size())
     printf("NOT READ: jobs %zu to %zu, after the violation\n", checks.size() + 1, spans.size());
-  if (!checks.back().ok) return DUMP_MALFORMED;
-  return checks.back().complete ? DUMP_COMPLETE : DUMP_CUT;
+  return Inspect_ExitStatus(checks);
 }

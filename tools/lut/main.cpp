@@ -115,7 +115,7 @@ int main(int argc, char** argv) {
       {"serial", required_argument, nullptr, 's'}, {"preset", required_argument, nullptr, 'p'},
       {"help", no_argument, nullptr, 'h'},         {nullptr, 0, nullptr, 0},
   };
-  std::string output, install, serial;
+  std::string output, install, serial, error;
   int preset = 0;
   int c;
   while ((c = getopt_long(argc, argv, "+o:s:p:h", kOptions, nullptr)) != -1) {
@@ -125,8 +125,7 @@ int main(int argc, char** argv) {
       case 's': serial = optarg; break;
       case 'p':
         // The job options name LUT1-LUT3: the filter reads lut.1-lut.3 only.
-        preset = strlen(optarg) == 1 && optarg[0] >= '1' && optarg[0] <= '3' ? optarg[0] - '0' : -1;
-        if (preset < 0) return Lut_ToolFail(LUT_USAGE, std::string("--preset \"") + optarg + "\" is not 1 to 3");
+        if (!Tool_ParsePreset(optarg, 3, &preset, &error)) return Lut_ToolFail(LUT_USAGE, error);
         break;
       case 'h': fputs(USAGE, stdout); return LUT_OK;
       default: fputs(USAGE, stderr); return LUT_USAGE;
@@ -154,7 +153,6 @@ int main(int argc, char** argv) {
   }
   if (!output.empty() && !install.empty()) return Lut_ToolFail(LUT_USAGE, "give -o or --install, not both");
   std::string text = Lut_Format(table, comment.c_str());
-  std::string error;
   TBrellianSettings settings;
   const TSettingsKey key{SETKEY_LUT_NAME, 0, 0, preset - 1};
   if (!install.empty()) {

@@ -1,11 +1,8 @@
 // brellian-preview: what a job will print, one composite picture per card side.
 // Copyright 2026 The rastertobrellian authors.
 #include <getopt.h>
-#include <sys/stat.h>
 
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -17,15 +14,6 @@
 #include "lib/png_io.h"
 #include "lib/tool_file.h"
 #include "lib/tool_model.h"
-#include "util/safe_file.h"
-
-// Exit statuses, as brellian-jobdump's.
-constexpr int PREVIEW_COMPLETE = 0;   // a complete, well-formed job
-constexpr int PREVIEW_MALFORMED = 1;  // a violation was found; what came before it is shown
-constexpr int PREVIEW_FAILED = 2;     // bad arguments, unreadable input, unwritable picture
-constexpr int PREVIEW_CUT = 3;        // well-formed but stops before ICMD_ENDJOB
-
-constexpr size_t PREVIEW_MAX_STREAM_BYTES = 1024u * 1024u * 1024u;
 
 static const char USAGE[] =
     "Usage: brellian-preview [options] [FILE]\n"
@@ -66,10 +54,12 @@ static const char USAGE[] =
     "the fault are still written), 2 bad arguments or a file that cannot be read or\n"
     "written, 3 the stream stops before its end (a cancelled job).\n";
 
-// 'Preview_Fail()' - Print "brellian-preview: message"; PREVIEW_FAILED.
+// 'Preview_Fail()' - Print "brellian-preview: message"; INSPECT_FAILED.
+// The exit statuses are brellian-jobdump's (INSPECT_*); after a violation
+// the sides read before it are still written.
 static int Preview_Fail(const std::string& message) {
   fprintf(stderr, "brellian-preview: %s\n", message.c_str());
-  return PREVIEW_FAILED;
+  return INSPECT_FAILED;
 }
 
 // 'Preview_Write()' - The composites (and with panels every panel) of check
@@ -116,21 +106,14 @@ int main(int argc, char** argv) {
       case 'p': panels = true; break;
       case 'P': portrait = true; break;
       case 'q': quiet = true; break;
-      case 'h': fputs(USAGE, stdout); return PREVIEW_COMPLETE;
-      default: fputs(USAGE, stderr); return PREVIEW_FAILED;
+      case 'h': fputs(USAGE, stdout); return INSPECT_COMPLETE;
+      default: fputs(USAGE, stderr); return INSPECT_FAILED;
     }
   }
   if (argc - optind > 1) return Preview_Fail("more than one FILE given");
   std::string path = optind < argc ? argv[optind] : "-";
-  std::string bytes;
-  errno = 0;
-  bool read = path == "-" ? Tool_ReadAll(stdin, PREVIEW_MAX_STREAM_BYTES, &bytes)
-                          : File_ReadCapped(path.c_str(), PREVIEW_MAX_STREAM_BYTES, &bytes) == 0;
-  if (!read) return Preview_Fail("cannot read " + (path == "-" ? std::string("standard input") : path) + ": " +
-                                 (errno == EFBIG ? "more than 1 GiB" : strerror(errno)));
-  struct stat st;
-  if (mkdir(dir.c_str(), 0755) != 0 && errno != EEXIST) return Preview_Fail("cannot create " + dir + ": " + strerror(errno));
-  if (lstat(dir.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) return Preview_Fail(dir + " is not a directory");
+  std::string bytes, error;
+  if (!Inspect_ReadCapture(path, &bytes, &error) || !Tool_MakeDir(dir, &error)) return Preview_Fail(error);
 
   std::vector<TStreamCheck> checks = Inspect_ReadJobs(bytes);
   const bool several = Inspect_SplitJobs(bytes).size() > 1;
@@ -140,8 +123,7 @@ int main(int argc, char** argv) {
     if (!check.ok) fprintf(stderr, "brellian-preview: %s\n", verdict.c_str());
     else if (!quiet) puts(verdict.c_str());
     std::string prefix = several ? "job" + std::to_string(j + 1) + "-" : "";
-    if (!Preview_Write(dir, check, prefix, portrait, panels, quiet)) return PREVIEW_FAILED;
+    if (!Preview_Write(dir, check, prefix, portrait, panels, quiet)) return INSPECT_FAILED;
   }
-  if (!checks.back().ok) return PREVIEW_MALFORMED;
-  return checks.back().complete ? PREVIEW_COMPLETE : PREVIEW_CUT;
+  return Inspect_ExitStatus(checks);
 }

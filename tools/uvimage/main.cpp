@@ -176,7 +176,7 @@ int main(int argc, char** argv) {
       {"help", no_argument, nullptr, 'h'},         {nullptr, 0, nullptr, 0},
   };
   TUvArgs a;
-  std::string model;
+  std::string model, error;
   int c;
   while ((c = getopt_long(argc, argv, "+m:s:p:h", kOptions, nullptr)) != -1) {
     switch (c) {
@@ -186,8 +186,7 @@ int main(int argc, char** argv) {
         break;
       case 's': a.serial = optarg; break;
       case 'p':
-        a.preset = strlen(optarg) == 1 && optarg[0] >= '1' && optarg[0] <= '5' ? optarg[0] - '0' : -1;
-        if (a.preset < 0) return Uv_Fail(UV_USAGE, std::string("--preset \"") + optarg + "\" is not 1 to 5");
+        if (!Tool_ParsePreset(optarg, SETTINGS_NAMES, &a.preset, &error)) return Uv_Fail(UV_USAGE, error);
         break;
       case 'h': fputs(Model_Expand(USAGE).c_str(), stdout); return UV_OK;
       default: fputs(USAGE, stderr); return UV_USAGE;
