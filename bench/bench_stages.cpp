@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "driver/printing_task.h"
+#include "imaging/bilevel_fs.h"
 #include "imaging/luma.h"
 #include "imaging/resample.h"
 #include "util/cpu.h"
@@ -159,14 +160,32 @@ void BM_HalftonePure(benchmark::State& state) {
 }
 
 // The "SolidBlack" black rendering of the photo page, beside the designed
-// diffusion of the same page (BM_BilevelFS_Production).
+// diffusion of the same page (BM_BilevelFS_Production), and its plain
+// reference.
+template <bool kReference>
 void BM_HalftoneSolidBlack(benchmark::State& state) {
   const std::vector<uint8_t>& rgb = Bench_Photo();
   for (auto _ : state) {
     uint8_t* out = nullptr;
-    Image_HalftoneSolidBlack(Bench_Task(), rgb.data(), &out);
+    if (kReference) Ref_HalftoneSolidBlack(Bench_Task(), rgb.data(), &out);
+    else Image_HalftoneSolidBlack(Bench_Task(), rgb.data(), &out);
     benchmark::DoNotOptimize(out);
     free(out);
+  }
+  Bench_Rate(state, kDots);
+}
+
+// The Floyd-Steinberg diffusion of the photo page one row at a time, the
+// way of processors without AVX2 (BM_BilevelFS_Production takes the eight
+// rows at once where the processor has AVX2).
+void BM_BilevelFS_RowLoop(benchmark::State& state) {
+  const std::vector<uint8_t>& rgb = Bench_Photo();
+  uint8_t lighten[256];
+  for (int32_t v = 0; v < 256; ++v) lighten[v] = static_cast<uint8_t>(v + ((255 - v) * 40) / 100);
+  std::vector<uint8_t> mono(kDots), row(2072);
+  for (auto _ : state) {
+    Bilevel_FloydSteinberg(rgb.data(), mono.data(), row.data(), 2072, 1328, 127, lighten, nullptr);
+    benchmark::DoNotOptimize(mono.data());
   }
   Bench_Rate(state, kDots);
 }
@@ -231,7 +250,9 @@ BENCHMARK_TEMPLATE(BM_Bilevel, true)->Name("BM_BilevelFS_Reference")->Unit(bench
 BENCHMARK_TEMPLATE(BM_Bilevel, false)->Name("BM_BilevelFS_Production")->Unit(benchmark::kMillisecond);
 BENCHMARK_TEMPLATE(BM_HalftonePure, true)->Name("BM_HalftonePure_Reference")->Unit(benchmark::kMillisecond);
 BENCHMARK_TEMPLATE(BM_HalftonePure, false)->Name("BM_HalftonePure_Production")->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_HalftoneSolidBlack)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_BilevelFS_RowLoop)->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_HalftoneSolidBlack, true)->Name("BM_HalftoneSolidBlack_Reference")->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_HalftoneSolidBlack, false)->Name("BM_HalftoneSolidBlack")->Unit(benchmark::kMillisecond);
 BENCHMARK_TEMPLATE(BM_Resin, true)->Name("BM_Resin_Reference")->Unit(benchmark::kMillisecond);
 BENCHMARK_TEMPLATE(BM_Resin, false)->Name("BM_Resin_Production")->Unit(benchmark::kMillisecond);
 BENCHMARK_TEMPLATE(BM_Luma, 0)->Name("BM_InvertedLuma_Reference")->Unit(benchmark::kMillisecond);

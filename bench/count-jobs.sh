@@ -5,13 +5,17 @@
 # not depend on the load of the machine; they do not see the cost of memory
 # and of the kernel, which the times of bench/run-jobs.sh do.
 #
-# Usage: bench/count-jobs.sh [-b BUILD_DIR] [JOB ...]
+# Usage: bench/count-jobs.sh [-b BUILD_DIR] [-f FILTER] [JOB ...]
 #   BUILD_DIR  the benchmark build in which bench/run-jobs.sh has made the
 #              jobs and their plans (default build-bench)
+#   FILTER     the filter program to count (default BUILD_DIR/rastertobrellian),
+#              for instance a copy of an earlier build's, to compare the two
 #   JOB        jobs to count (default: the panel-sized ones)
 . "$(dirname "$0")/lib.sh"
 build=build-bench
-bench_options "b=build" "$@"
+filter=""
+bench_options "b=build f=filter" "$@"
+[ -n "$filter" ] || filter="$build/rastertobrellian"
 jobs=("${bench_args[@]}")
 [ ${#jobs[@]} -gt 0 ] || jobs=(card600 card600z panel600 panel600z panel300 panel300z card300)
 work="$build/bench/jobs"
@@ -23,7 +27,7 @@ count() {
   case $job in *300*) ppd="$PWD/$build/ppd/br1030.ppd" ;; esac
   if [ "$kind" = filter ]; then
     PPD=$ppd valgrind --tool=callgrind --callgrind-out-file=/dev/null --log-file="$log" \
-      "$build/rastertobrellian" 1 bench bench 1 "$options" <"$work/$job.ras" >/dev/null 2>&1
+      "$filter" 1 bench bench 1 "$options" <"$work/$job.ras" >/dev/null 2>&1
   else
     BRELLIAN_FLOOR_PLAN="$work/$job.plan" valgrind --tool=callgrind --callgrind-out-file=/dev/null \
       --log-file="$log" "$build/bench/brellian-iofloor" 1 bench bench 1 "$options" <"$work/$job.ras" \

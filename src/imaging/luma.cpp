@@ -94,6 +94,17 @@ __attribute__((target("avx2"))) __m256i Luma_GreyBits(const TLumaLower& t) {
   return _mm256_load_si256(reinterpret_cast<const __m256i*>(words));
 }
 
+// 'Luma_SameAsBefore()' - Whether the 32 dots at p equal the 32 before them.
+__attribute__((target("avx2"))) inline bool Luma_SameAsBefore(const uint8_t* p) {
+  __m256i eq = _mm256_set1_epi8(-1);
+  for (int k = 0; k < 96; k += 32) {
+    __m256i now = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + k));
+    __m256i then = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + k - 96));
+    eq = _mm256_and_si256(eq, _mm256_cmpeq_epi8(now, then));
+  }
+  return _mm256_movemask_epi8(eq) == -1;
+}
+
 // Eight dots at a time.  Eight dots equal to the eight before them take
 // their bytes again.  Otherwise their channels are gathered by Rgb_SplitEight, the
 // integer sum made with 16-bit multiply-adds in 32-bit lanes, its quotient
@@ -122,6 +133,14 @@ __attribute__((target("avx2"))) void Luma_PlaneAvx2(const uint8_t* rgb, uint8_t*
     __m128i same = _mm_and_si128(_mm_cmpeq_epi8(low, lastLow), _mm_cmpeq_epi8(high, lastHigh));
     if (haveLast && _mm_movemask_epi8(same) == 0xFFFF) {
       _mm_storel_epi64(reinterpret_cast<__m128i*>(out + i), lastBytes);
+      // In a plain area, each further span of 32 dots equal to the 32
+      // dots before it takes their bytes again, 96 input bytes compared
+      // at a time.
+      while (i + 8 >= 32 && i + 8 + 32 <= count && Luma_SameAsBefore(rgb + 3 * (i + 8))) {
+        __m256i before = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(out + i + 8 - 32));
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + i + 8), before);
+        i += 32;
+      }
       continue;
     }
     __m128i redGreen, blue;

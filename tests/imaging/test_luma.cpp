@@ -167,3 +167,37 @@ TEST(LumaPlane, RepeatedAndNearlyRepeatedGroupsMatchTheFormula) {
     }
   }
 }
+
+// Long plain areas: the AVX2 way then takes whole spans of 32 dots from the
+// 32 before them.  Runs of one colour, or of one group of eight dots, of
+// every length up to 100 groups, each ended by a change of one byte (at
+// every position in turn), at every start offset: every way gives the
+// formula's bytes.
+TEST(LumaPlane, LongPlainAreasMatchTheFormula) {
+  std::mt19937 rng(20261126);
+  std::uniform_int_distribution<int> byte(0, 255);
+  for (size_t offset = 0; offset < 8; ++offset) {
+    std::vector<uint8_t> rgb(3 * offset, 0xFF);
+    std::vector<uint8_t> group(24, 0xFF);
+    for (size_t run = 1; run <= 100; ++run) {
+      for (size_t g = 0; g < run; ++g) rgb.insert(rgb.end(), group.begin(), group.end());
+      if (run % 3 == 0) {
+        group.assign(24, static_cast<uint8_t>(byte(rng)));   // a plain colour
+      } else {
+        group[run % 24] = static_cast<uint8_t>(group[run % 24] + 1 + byte(rng) % 255);
+      }
+    }
+    const size_t count = rgb.size() / 3;
+    for (auto way : Luma_Ways()) {
+      for (uint8_t flip : {uint8_t{0}, uint8_t{0xFF}}) {
+        std::vector<uint8_t> out(count + 40, 0x5A);
+        std::vector<uint8_t> input(rgb);
+        way(input.data(), out.data(), count, flip);
+        for (size_t i = 0; i < count; ++i)
+          ASSERT_EQ(Luma_Formula(rgb[3 * i], rgb[3 * i + 1], rgb[3 * i + 2]) ^ flip, out[i])
+              << "offset " << offset << " dot " << i;
+        for (size_t i = count; i < count + 40; ++i) ASSERT_EQ(0x5A, out[i]) << "offset " << offset;
+      }
+    }
+  }
+}

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstring>
 #include <random>
 #include <vector>
 
@@ -18,6 +19,13 @@ using TPureWay = bool (*)(const uint8_t*, uint8_t*, size_t);
 std::vector<TPureWay> Pure_Ways() {
   std::vector<TPureWay> ways = {Pure_MapBlackScalar, Pure_MapBlack};
   if (Cpu_HaveAvx2()) ways.push_back(Pure_MapBlackAvx2);
+  return ways;
+}
+
+// The ways of the mask of pure black dots.
+std::vector<TPureWay> Pure_MaskWays() {
+  std::vector<TPureWay> ways = {Pure_MaskBlackScalar, Pure_MaskBlack};
+  if (Cpu_HaveAvx2()) ways.push_back(Pure_MaskBlackAvx2);
   return ways;
 }
 
@@ -59,6 +67,15 @@ void Pure_Check(const std::vector<uint8_t>& rgb, const std::string& what) {
       for (size_t i = 0; i < count; ++i) ASSERT_EQ(expected[i], mono[16 + i]) << what << " dot " << i;
     }
   }
+  // The mask: the same answer, and 255 on exactly the black dots of any image.
+  for (TPureWay way : Pure_MaskWays()) {
+    std::vector<uint8_t> mask(count + 32, 0x5A);
+    std::vector<uint8_t> input(rgb);
+    ASSERT_EQ(pure, way(input.data(), mask.data() + 16, count)) << what << " (mask)";
+    for (size_t i = 0; i < 16; ++i) ASSERT_EQ(0x5A, mask[i]) << what;
+    for (size_t i = 0; i < 16; ++i) ASSERT_EQ(0x5A, mask[16 + count + i]) << what;
+    for (size_t i = 0; i < count; ++i) ASSERT_EQ(expected[i], mask[16 + i]) << what << " mask dot " << i;
+  }
 }
 
 }  // namespace
@@ -99,6 +116,31 @@ TEST(PureMap, RandomBytesAreGreyAndAllWhiteIsPure) {
   std::vector<uint8_t> rgb(3 * 1000);
   for (auto& v : rgb) v = static_cast<uint8_t>(rng());
   Pure_Check(rgb, "random");
+  // Random dots of black, white and grey: the mask must find every black
+  // dot among the others.
+  for (size_t i = 0; i < 1000; ++i) {
+    uint32_t kind = rng() % 3;
+    if (kind < 2) memset(&rgb[3 * i], kind ? 255 : 0, 3);
+  }
+  Pure_Check(rgb, "mixed");
   Pure_Check(std::vector<uint8_t>(3 * 1000, 255), "white");
   Pure_Check(std::vector<uint8_t>(3 * 1000, 0), "black");
+}
+
+// Long runs of white, which the AVX2 ways take 32 dots at a time, broken
+// by a black dot or by one grey dot at every position: every way gives the
+// plain answer and bytes.
+TEST(PureMap, LongWhiteRunsWithABlackOrGreyDotAnywhere) {
+  const size_t count = 200;
+  for (size_t at = 0; at < count; ++at) {
+    for (int kind = 0; kind < 3; ++kind) {
+      std::vector<uint8_t> rgb(3 * count, 255);
+      uint8_t* d = &rgb[3 * at];
+      if (kind == 0) d[0] = d[1] = d[2] = 0;                  // black
+      else if (kind == 1) d[2] = 254;                          // grey: one byte off white
+      else d[0] = 0;                                           // grey: mixed 0 and 255
+      Pure_Check(rgb, "dot " + std::to_string(at) + " kind " + std::to_string(kind));
+    }
+  }
+  Pure_Check(std::vector<uint8_t>(3 * 2072 * 1328, 255), "white 600 dpi panel");
 }

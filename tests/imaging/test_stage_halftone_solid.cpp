@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <random>
 
 #include "imaging/panel.h"
 #include "imaging/stages.h"
+#include "reference/reference_stages.h"
 #include "support/stage_helpers.h"
 
 namespace {
@@ -57,7 +59,55 @@ void Solid_Count(const std::vector<uint8_t>& rgb, const std::vector<uint8_t>& k,
   }
 }
 
+// 'Solid_Mixed()' - A random width x height image from seed: pure black
+// dots, runs of them (bars), pure white dots and grey dots of random bytes.
+std::vector<uint8_t> Solid_Mixed(uint32_t width, uint32_t height, uint32_t seed) {
+  std::mt19937 rng(seed);
+  std::vector<uint8_t> rgb(static_cast<size_t>(width) * height * 3);
+  for (size_t i = 0; i < rgb.size(); i += 3) {
+    uint32_t kind = rng() % 8;
+    if (kind < 2 || (i >= 3 && kind < 4 && rgb[i - 3] == 0 && rgb[i - 2] == 0 && rgb[i - 1] == 0)) {
+      memset(&rgb[i], 0, 3);
+    } else if (kind < 5) {
+      memset(&rgb[i], 255, 3);
+    } else {
+      for (int c = 0; c < 3; ++c) rgb[i + c] = static_cast<uint8_t>(rng());
+    }
+  }
+  return rgb;
+}
+
+// Made-up models with tiny panels, for the edges of the diffusion.
+constexpr int32_t kTinyModels[] = {9111, 9112, 9113, 9114, 9115, 9116};
+constexpr TPanelGeometry kTinySizes[] = {{1, 5}, {5, 1}, {3, 3}, {2, 2}, {7, 4}, {3, 7}};
+
 }  // namespace
+
+// The rendering is held to its plain twin (tests/reference), byte for byte,
+// on random images of pure black, white and grey dots at both panel sizes
+// and on tiny panels, where the shared diffusion takes its generic way.
+TEST(HalftoneSolidBlack, MatchesThePlainRenderingOnRandomImages) {
+  for (size_t m = 0; m < 6; ++m) g_panelGeometry[kTinyModels[m]] = kTinySizes[m];
+  std::vector<int32_t> models = {1030, 1060};
+  models.insert(models.end(), std::begin(kTinyModels), std::end(kTinyModels));
+  for (int32_t model : models) {
+    for (uint32_t seed = 1; seed <= (model < 9000 ? 2u : 20u); ++seed) {
+      auto task = Stage_MakeTask(model);
+      TPanelGeometry g = Panel_Geometry(task.get());
+      std::vector<uint8_t> rgb = Solid_Mixed(g.width, g.height, seed * 31 + model);
+      uint8_t* fast = nullptr;
+      uint8_t* plain = nullptr;
+      EXPECT_EQ(0, Image_HalftoneSolidBlack(task.get(), rgb.data(), &fast));
+      EXPECT_EQ(0, Ref_HalftoneSolidBlack(task.get(), rgb.data(), &plain));
+      TStageBuffer hf(fast), hp(plain);
+      ASSERT_NE(nullptr, fast);
+      ASSERT_NE(nullptr, plain);
+      ASSERT_EQ(0, memcmp(fast, plain, static_cast<size_t>(g.width) * g.height))
+          << "model " << model << " seed " << seed;
+    }
+  }
+  for (int32_t model : kTinyModels) g_panelGeometry.erase(model);
+}
 
 // Every pure black dot prints with the new rendering; the designed one
 // (grey in the image) lets about 40 % of them go.

@@ -21,6 +21,7 @@ float Ref_BSplineWeight(float x);
 void Ref_Bilevel(TPrintingTask* task, const uint8_t* rgb, uint8_t** out,
                  const TDiffusionKernel& kernel, int32_t threshold);
 int32_t Ref_Halftone(TPrintingTask* task, const uint8_t* rgb, uint8_t** out);
+int32_t Ref_HalftoneSolidBlack(TPrintingTask* task, const uint8_t* rgb, uint8_t** out);
 void Ref_AreaToSpan(const TArea* area, uint32_t width, uint32_t height, int32_t* x0, int32_t* y0,
                     int32_t* x1, int32_t* y1);
 int32_t Ref_StripToResin(TPrintingTask* task, const uint8_t* rgb, uint8_t** out);
