@@ -6,6 +6,8 @@
 
 #include <pappl/pappl.h>
 
+#include <unistd.h>
+
 #include <map>
 #include <string>
 
@@ -61,6 +63,16 @@ class AppVocabulary : public ReadOptionsTest {
     }
     SaveSettings(s, "VOCABULARY");
     UseSerial("VOCABULARY");
+  }
+
+  // The presets made above go with the test: the sysroot is shared by
+  // every test of the build.
+  void TearDown() override {
+    for (int i = 0; i < SETTINGS_NAMES; ++i) {
+      unlink((std::string(BRELLIAN_CONF_DIR) + "/uv/vocabulary-" + std::to_string(i) + ".uv").c_str());
+      unlink((std::string(BRELLIAN_LUT_DIR) + "/vocabulary-" + std::to_string(i) + ".csv").c_str());
+    }
+    ReadOptionsTest::TearDown();
   }
 
   // 'FilterCode()' - The field value the filter reads from the options
