@@ -106,7 +106,12 @@ bool Web_PresetsPage(pappl_client_t* client, void* data) {
   TBrellianSettings settings;
   std::string error;
   if (acc.serial.empty()) {
-    Web_Message(client, "Set the printer's serial number on the Device settings page: it selects its presets.", false);
+    char device[256];
+    papplPrinterGetPath(printer, "device", device, sizeof(device));
+    papplClientHTMLPrintf(client,
+                          "<p class=\"brellian-message\">Set the printer's serial number on the <a href=\"%s\">"
+                          "Device settings</a> page: it selects its presets.</p>\n",
+                          device);
   } else if (!Presets_Load(acc.serial, &settings, &error)) {
     Web_Message(client, "The presets of this printer cannot be read; see the log for the reason.", true);
     papplLogPrinter(printer, PAPPL_LOGLEVEL_ERROR, "Presets of %s: %s", acc.serial.c_str(), error.c_str());

@@ -114,6 +114,11 @@ class AppSystemTest(unittest.TestCase):
         self.assertIn("install -d -m 0750 %s" % missing, r.stderr)
         self.assertNotIn("nowhere", self.server.printers())
 
+    def test_presets_page_without_a_serial_links_to_the_device_settings(self):
+        status, body = h.http_request(self.server, "GET", "/card60/presets")
+        self.assertEqual(status, 200)
+        self.assertIn('serial number on the <a href="/card60/device">Device settings</a> page', body)
+
     def test_ipp_delete_printer_by_the_id_the_printer_reports(self):
         self.server.add_printer("gone2", "brellian_1030")
         out = gpa(self.server, "gone2", "brellian-printer-id")
