@@ -7,6 +7,7 @@
 #include <cstring>
 
 const char* const g_ribbonTypes[5] = {"YMCK", "YMCKK", "YMCK-PO", "YMCK-UV", "Black"};
+const char* const g_ribbonLabels[5] = {"YMCK", "YMCKK", "YMCK + Overlay", "YMCK + UV", "Black"};
 
 // 'Acc_SerialFromUri()' - Find "serial=" after the "?".
 std::string Acc_SerialFromUri(const char* uri) {

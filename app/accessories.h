@@ -21,6 +21,8 @@ struct TAccessories {
 
 // The ribbon types a printer can hold.
 extern const char* const g_ribbonTypes[5];
+// Their names as the PPD files show them, in the same order.
+extern const char* const g_ribbonLabels[5];
 
 // 'Acc_Defaults()' - A new printer of a model: YMCK, a flip-turn unit on
 // the two-sided models, the serial from the device URI's "serial=" value.

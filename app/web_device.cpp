@@ -80,8 +80,9 @@ bool Web_DevicePage(pappl_client_t* client, void* data) {
   Web_StartForm(client, path, false, page.token);
   papplClientHTMLPuts(client, "<table class=\"form\">\n<tr><th><label for=\"ribbon-type\">Ribbon:</label></th><td>"
                               "<select id=\"ribbon-type\" name=\"ribbon-type\">");
-  for (const char* r : g_ribbonTypes)
-    papplClientHTMLPrintf(client, "<option value=\"%s\"%s>%s</option>", r, acc.ribbonType == r ? " selected" : "", r);
+  for (size_t i = 0; i < sizeof(g_ribbonTypes) / sizeof(g_ribbonTypes[0]); ++i)
+    papplClientHTMLPrintf(client, "<option value=\"%s\"%s>%s</option>", g_ribbonTypes[i],
+                          acc.ribbonType == g_ribbonTypes[i] ? " selected" : "", g_ribbonLabels[i]);
   papplClientHTMLPuts(client, "</select></td></tr>\n");
   Device_Checkbox(client, "flip-turn", "Flip-turn unit (two-sided cards)", acc.flipTurn, model->twoSided);
   Device_Checkbox(client, "laminator", "Laminator", acc.laminator, true);

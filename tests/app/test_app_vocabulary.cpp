@@ -4,6 +4,7 @@
 // Copyright 2026 The rastertobrellian authors.
 #include <gtest/gtest.h>
 
+#include <cups/ppd.h>
 #include <pappl/pappl.h>
 
 #include <unistd.h>
@@ -19,6 +20,7 @@
 #include "options/lut_format.h"
 #include "options/mag.h"
 #include "options/read_context.h"
+#include "support/process.h"
 #include "support/read_options_harness.h"
 
 namespace {
@@ -185,3 +187,24 @@ TEST(AppSlotPlan, ACarriedOptionReachesTheFilterAndABadItemIsRefused) {
   EXPECT_EQ(std::string::npos, options.find("options")) << options;
   (void)models;
 }
+
+// The PPD interface of libcups is deprecated but is what the spooler uses
+// for these files.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+TEST(AppVocabularyRibbons, TheDeviceSettingsRibbonsAreThePpdsChoicesWithTheirNames) {
+  for (int model : {1030, 1060}) {
+    SCOPED_TRACE(model);
+    ppd_file_t* ppd = ppdOpenFile(Test_GeneratedPPD(model).c_str());
+    ASSERT_NE(nullptr, ppd);
+    ppd_option_t* option = ppdFindOption(ppd, "ribbonType");
+    ASSERT_NE(nullptr, option);
+    ASSERT_EQ(static_cast<int>(sizeof(g_ribbonTypes) / sizeof(g_ribbonTypes[0])), option->num_choices);
+    for (int i = 0; i < option->num_choices; ++i) {
+      EXPECT_STREQ(option->choices[i].choice, g_ribbonTypes[i]);
+      EXPECT_STREQ(option->choices[i].text, g_ribbonLabels[i]);
+    }
+    ppdClose(ppd);
+  }
+}
+#pragma GCC diagnostic pop
