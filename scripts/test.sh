@@ -26,12 +26,14 @@ bash scripts/check-package.sh
 # The same suite with AddressSanitizer and UndefinedBehaviorSanitizer: the
 # process tests then run the sanitized filter, and any report fails them.
 # It builds only what it runs: no printer application (its tests ran above)
-# and no end-to-end or trial binaries.
+# and no end-to-end or trial binaries; and with line tables only (-g1),
+# which the sanitizers' stack traces need, not full debug information.
 step "sanitized build and tests"
 asan=build-asan
 cmake -S . -B "$asan" -DBRELLIAN_BUILD_TESTS=ON -DBRELLIAN_SANITIZE=ON \
   -DBRELLIAN_BUILD_PRINTER_APP=OFF -DBRELLIAN_BUILD_LONG_TESTS=OFF \
-  -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+  -DCMAKE_BUILD_TYPE=RelWithDebInfo "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O2 -g1 -DNDEBUG" \
+  "-DCMAKE_C_FLAGS_RELWITHDEBINFO=-O2 -g1 -DNDEBUG" >/dev/null
 cmake --build "$asan" -j"$(nproc)"
 # The sanitized build runs the tests of our own code: unit, process,
 # hostile, golden and tools (the filter, the tools and the backend run
