@@ -14,22 +14,22 @@ bench_usage() {
   exit 2
 }
 
-# 'bench_options SPEC ARG ...' - Read the script's options.  SPEC is a list
+# 'bench_options OPTIONS ARG ...' - Read the script's options.  OPTIONS is a list
 # of LETTER=VARIABLE words: the option -LETTER VALUE sets VARIABLE to VALUE;
 # a word ending in "+" (LETTER=VARIABLE+) is a flag without a value that
 # sets VARIABLE to 1.  The arguments after the options go into the array
 # bench_args.  An unknown option prints the usage and exits with 2.
 bench_options() {
-  local _bo_spec=$1 _bo_letters="" _bo_opt _bo_word _bo_var
+  local _bo_table=$1 _bo_letters="" _bo_opt _bo_word _bo_var
   shift
-  for _bo_word in $_bo_spec; do
+  for _bo_word in $_bo_table; do
     _bo_letters+=${_bo_word%%=*}
     [[ $_bo_word == *+ ]] || _bo_letters+=":"
   done
   OPTIND=1
   while getopts "$_bo_letters" _bo_opt; do
     [ "$_bo_opt" != "?" ] || bench_usage
-    for _bo_word in $_bo_spec; do
+    for _bo_word in $_bo_table; do
       [ "${_bo_word%%=*}" = "$_bo_opt" ] || continue
       _bo_var=${_bo_word#*=}
       if [[ $_bo_var == *+ ]]; then printf -v "${_bo_var%+}" 1; else printf -v "$_bo_var" '%s' "$OPTARG"; fi
